@@ -1,0 +1,313 @@
+#include "geometry/Reclist.h"
+
+#include "platform/Exceptions.h"
+#include "platform/Numerics.h"
+#include "platform/Streams.h"
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <vector>
+
+namespace vl {
+
+namespace {
+
+constexpr std::int32_t MaxListBytes = 0x7FFFFFFF;
+
+// A record compared as a string of 2-byte characters (little-endian), as far as the record's own
+// bytes go: equal up to the first NUL character, or equal over the whole record. A character cut
+// in half by an odd record size is completed with a zero high byte.
+bool SameCharacters(const std::uint8_t* a, const std::uint8_t* b, std::uint16_t size) {
+    for (std::size_t i = 0; i < size; i += 2) {
+        const bool whole = i + 1 < size;
+        const unsigned ca = a[i] | (whole ? a[i + 1] << 8 : 0);
+        const unsigned cb = b[i] | (whole ? b[i + 1] << 8 : 0);
+        if (ca != cb) return false;
+        if (ca == 0) return true;
+    }
+    return true;
+}
+
+} // namespace
+
+TRecordList::TRecordList(std::uint16_t RecSize) {
+    SetRecSize(RecSize);
+}
+
+TRecordList::TRecordList(TStream& Stream) {
+    // In a constructor the call reaches this class's `Persist`; a descendant with its own stream
+    // form reads itself in its own constructor.
+    Persist(Stream, TPstMode::pstLoad);
+}
+
+TRecordList::~TRecordList() {
+    Clear();
+}
+
+void TRecordList::SetRecSize(std::uint16_t RecSize) {
+    const auto maxCapacity = static_cast<std::int32_t>(IntDiv(MaxListBytes, RecSize)); // raises for 0
+    if (RecSize == FRecSize) return;
+    // Records of another size: the old contents lose their meaning, so the block is dropped before
+    // it can be read with the new size.
+    FCount = 0;
+    FCapacity = 0;
+    FList.reset();
+    FBlockSize = 0;
+    FRecSize = RecSize;
+    FMaxCapacity = maxCapacity;
+}
+
+void TRecordList::Grow() {
+    std::int64_t delta;
+    if (FCapacity < 9)
+        delta = 4;
+    else if (FCapacity < 65)
+        delta = 16;
+    else
+        delta = FCapacity / 4;
+    const std::int64_t value = FCapacity + delta;
+    if (value > std::numeric_limits<std::int32_t>::max()) {
+        Error(msg::ListCapacityError, std::numeric_limits<std::int32_t>::max());
+        return;
+    }
+    SetCapacity(static_cast<std::int32_t>(value));
+}
+
+void TRecordList::Error(TListErrorMsg Msg, std::int32_t Data) {
+    throw EListError(Msg(Data));
+}
+
+void TRecordList::SetCapacity(std::int32_t Value) {
+    if (Value < FCount || Value > FMaxCapacity) Error(msg::ListCapacityError, Value);
+    // When a descendant's `Error` returns, the reallocation still takes place; a capacity below the
+    // count then cuts the list, and a negative one empties it.
+    const std::int32_t capacity = std::max(Value, 0);
+    const std::size_t bytes = static_cast<std::size_t>(capacity) * FRecSize;
+    if (capacity == FCapacity && bytes == FBlockSize) return;
+    std::unique_ptr<std::uint8_t[]> block;
+    if (bytes != 0) {
+        block = std::make_unique<std::uint8_t[]>(bytes); // zeroed
+        if (FList) std::memcpy(block.get(), FList.get(), std::min(bytes, FBlockSize));
+    }
+    FList = std::move(block);
+    FBlockSize = bytes;
+    FCapacity = capacity;
+    FCount = std::min(FCount, FCapacity);
+}
+
+void TRecordList::SetCount(std::int32_t Value) {
+    if (Value < 0 || Value > FMaxCapacity) {
+        Error(msg::ListCountError, Value);
+        if (Value < 0) return;
+    }
+    if (Value > FCapacity) SetCapacity(Value);
+    if (Value > FCount) {
+        // `Get(FCount)` checks an index that is not yet in use and raises: a list shrinks through
+        // `Count` but doesn't grow. Only a descendant whose `Error` returns gets past it.
+        void* first = Get(FCount);
+        if (Value > FCapacity) return;
+        std::memset(first, 0, static_cast<std::size_t>(Value - FCount) * FRecSize);
+    }
+    FCount = Value;
+}
+
+void* TRecordList::Get(std::int32_t Index) {
+    if (!IndexValid(Index)) {
+        Error(msg::ListIndexError, Index);
+        // A descendant's `Error` may return; a place outside the block is never handed out.
+        if (Index < 0 || Index >= FCapacity) throw EListError(msg::ListIndexError(Index));
+    }
+    return RecordAt(Index);
+}
+
+std::int32_t TRecordList::Add(const void* Rec) {
+    // A record from inside the block would move with a reallocation: take a copy first.
+    std::vector<std::uint8_t> copy;
+    const auto* src = static_cast<const std::uint8_t*>(Rec);
+    if (FList && src >= FList.get() && src < FList.get() + FBlockSize) {
+        copy.assign(src, src + FRecSize);
+        src = copy.data();
+    }
+    if (FCount == FCapacity) Grow();
+    if (FCount >= FCapacity) {
+        Error(msg::ListCapacityError, FCapacity);
+        return -1;
+    }
+    std::memcpy(RecordAt(FCount), src, FRecSize);
+    return FCount++;
+}
+
+void TRecordList::Clear() {
+    SetCount(0);
+    SetCapacity(0);
+}
+
+void TRecordList::Delete(std::int32_t Index) {
+    if (!IndexValid(Index)) {
+        Error(msg::ListIndexError, Index);
+        return;
+    }
+    --FCount;
+    // The last record moves nothing: its bytes stay in the block beyond the count.
+    if (Index < FCount)
+        std::memmove(RecordAt(Index), RecordAt(Index + 1),
+                     static_cast<std::size_t>(FCount - Index) * FRecSize);
+}
+
+void TRecordList::Exchange(std::int32_t Index1, std::int32_t Index2) {
+    if (!IndexValid(Index1)) {
+        Error(msg::ListIndexError, Index1);
+        return;
+    }
+    if (!IndexValid(Index2)) {
+        Error(msg::ListIndexError, Index2);
+        return;
+    }
+    std::vector<std::uint8_t> temp(RecordAt(Index1), RecordAt(Index1) + FRecSize);
+    std::memmove(RecordAt(Index1), RecordAt(Index2), FRecSize);
+    std::memcpy(RecordAt(Index2), temp.data(), FRecSize);
+}
+
+void TRecordList::Expand() {
+    if (FCount == FCapacity) Grow();
+}
+
+void TRecordList::First(void* Rec) {
+    std::memcpy(Rec, Get(0), FRecSize);
+}
+
+void TRecordList::Last(void* Rec) {
+    std::memcpy(Rec, Get(FCount - 1), FRecSize);
+}
+
+void TRecordList::GetRecord(std::int32_t Index, void* Rec) {
+    std::memcpy(Rec, Get(Index), FRecSize);
+}
+
+void TRecordList::Insert(std::int32_t Index, const void* Rec) {
+    if (Index < 0 || Index > FCount) {
+        Error(msg::ListIndexError, Index);
+        return;
+    }
+    std::vector<std::uint8_t> copy;
+    const auto* src = static_cast<const std::uint8_t*>(Rec);
+    if (FList && src >= FList.get() && src < FList.get() + FBlockSize) {
+        copy.assign(src, src + FRecSize);
+        src = copy.data();
+    }
+    if (FCount == FCapacity) Grow();
+    if (FCount >= FCapacity) {
+        Error(msg::ListCapacityError, FCapacity);
+        return;
+    }
+    if (Index < FCount) {
+        // Both places go through `Get` and its check against the old count: at `Count - 1` the
+        // second one raises.
+        void* from = Get(Index);
+        void* to = Get(Index + 1);
+        std::memmove(to, from, static_cast<std::size_t>(FCount - Index) * FRecSize);
+    }
+    // At `Count` this raises as well.
+    std::memcpy(Get(Index), src, FRecSize);
+    ++FCount;
+}
+
+void TRecordList::Move(std::int32_t CurIndex, std::int32_t NewIndex) {
+    if (CurIndex == NewIndex) return;
+    if (NewIndex < 0 || NewIndex >= FCount) {
+        Error(msg::ListIndexError, NewIndex);
+        return;
+    }
+    std::vector<std::uint8_t> temp(FRecSize);
+    GetRecord(CurIndex, temp.data());
+    if (!IndexValid(CurIndex)) return;
+    Delete(CurIndex);
+    try {
+        Insert(NewIndex, temp.data());
+    } catch (...) {
+        // `Insert` refuses places near the end. The record goes back where it was, so that a failed
+        // move loses nothing; the deletion has left room for it.
+        std::memmove(RecordAt(CurIndex + 1), RecordAt(CurIndex),
+                     static_cast<std::size_t>(FCount - CurIndex) * FRecSize);
+        std::memcpy(RecordAt(CurIndex), temp.data(), FRecSize);
+        ++FCount;
+        throw;
+    }
+}
+
+std::int32_t TRecordList::IndexOf(const void* Rec) {
+    // `Rec` holds the address of a variable that holds the address of the sought bytes. The
+    // comparison is a string comparison of at most `RecSize` 2-byte characters that stops at a NUL
+    // character; it is confined to the record's own bytes, and records that agree over all of them
+    // count as equal.
+    const auto* sought = *static_cast<const std::uint8_t* const*>(Rec);
+    for (std::int32_t i = 0; i < FCount; ++i)
+        if (SameCharacters(RecordAt(i), sought, FRecSize)) return i;
+    return -1;
+}
+
+std::int32_t TRecordList::Find(const TFindFunc& Func, const void* Item) {
+    for (std::int32_t i = 0; i < FCount; ++i)
+        if (Func(RecordAt(i), Item)) return i;
+    return -1;
+}
+
+void TRecordList::SaveToStream(TStream& Stream) {
+    Stream.WriteInt32(FCount);
+    if (FCount == 0) return;
+    Stream.WriteInt32(FCapacity);
+    Stream.WriteBuffer(FList.get(), static_cast<std::int64_t>(FCount) * FRecSize);
+}
+
+void TRecordList::LoadFromStream(TStream& Stream) {
+    const std::int32_t count = Stream.ReadInt32();
+    if (count == 0) {
+        FCount = 0;
+        return;
+    }
+    if (count < 0) throw EReadError(QString::fromLatin1(msg::ReadError));
+    std::int32_t capacity = Stream.ReadInt32();
+    const std::int64_t bytes = static_cast<std::int64_t>(count) * FRecSize;
+    const std::int64_t remaining = Stream.Remaining();
+    if (bytes > remaining) throw EReadError(QString::fromLatin1(msg::ReadError));
+    // A sane capacity is kept, but its reserve beyond the records may not drive an allocation
+    // beyond both what can follow in the stream and the reserve that growth would have made.
+    if (capacity >= count && capacity <= FMaxCapacity) {
+        const std::int64_t limit =
+            std::max<std::int64_t>(static_cast<std::int64_t>(count) + 16 + count / 4, remaining / FRecSize);
+        capacity = static_cast<std::int32_t>(std::min<std::int64_t>(capacity, limit));
+    }
+    const std::int32_t oldCount = FCount;
+    FCount = count;
+    try {
+        SetCapacity(capacity);
+    } catch (...) {
+        FCount = std::min(oldCount, FCapacity);
+        throw;
+    }
+    if (FCapacity < count) {
+        FCount = FCapacity;
+        throw EReadError(QString::fromLatin1(msg::ReadError));
+    }
+    Stream.ReadBuffer(FList.get(), bytes);
+}
+
+void TRecordList::Persist(TStream& Stream, TPstMode PstMode) {
+    switch (PstMode) {
+    case TPstMode::pstSave:
+    case TPstMode::pstCopy:
+        Stream.WriteUInt16(FRecSize);
+        SaveToStream(Stream);
+        break;
+    case TPstMode::pstLoad:
+    case TPstMode::pstPaste:
+        SetRecSize(Stream.ReadUInt16());
+        LoadFromStream(Stream);
+        break;
+    default: break;
+    }
+}
+
+} // namespace vl

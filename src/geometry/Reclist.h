@@ -1,0 +1,103 @@
+// A growable array of fixed-size records held by value in one block of memory.
+//
+// Where `TList` holds pointers, `TRecordList` holds the bytes themselves and writes itself to a
+// stream in one piece, with its record size in front when it goes through `Persist`. The list owns
+// its block. Invariants: `0 <= Count <= Capacity <= MaxCapacity`, and the block holds
+// `Capacity * RecSize` bytes.
+//
+// Some behaviour is settled and relied upon by callers:
+// - `SetCount` can shrink a list but not grow it: zeroing the new records starts at `Get(Count)`,
+//   whose index check raises the list index error.
+// - `Insert` checks both of its block positions through `Get` against the old count, so an insert
+//   at `Count` or `Count - 1` raises the list index error; lists grow at their end with `Add`.
+// - `IndexOf` compares records as strings of 2-byte characters up to the first NUL character: a
+//   prefix test. `Find` is the exact search.
+// - `Move(i, i)` does nothing and checks nothing.
+#pragma once
+
+#include "geometry/Vltypes.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+namespace vl {
+
+class TStream;
+
+// Tells whether a list record (first argument) is the sought item (second argument).
+using TFindFunc = std::function<bool(const void* Record, const void* Item)>;
+
+// A framework list message with the offending value (`msg::ListIndexError` and its kin).
+using TListErrorMsg = QString (*)(long long);
+
+class TRecordList {
+public:
+    // Raises `EDivByZero` for a record size of 0.
+    explicit TRecordList(std::uint16_t RecSize);
+    // Reads the list through `Persist(Stream, pstLoad)` of this class.
+    explicit TRecordList(TStream& Stream);
+    virtual ~TRecordList();
+
+    TRecordList(const TRecordList&) = delete;
+    TRecordList& operator=(const TRecordList&) = delete;
+
+    // Overridable in this order: growth policy, stream form, error report.
+    virtual void Grow();
+    virtual void Persist(TStream& Stream, TPstMode PstMode);
+    // Raises `EListError` with `Msg` formatted with `Data`. A descendant may return instead.
+    virtual void Error(TListErrorMsg Msg, std::int32_t Data);
+
+    // Copies `RecSize` bytes from `Rec` to the end, growing first when full; answers the index.
+    std::int32_t Add(const void* Rec);
+    void Clear();
+    void Delete(std::int32_t Index);
+    void Exchange(std::int32_t Index1, std::int32_t Index2);
+    void Expand();
+    void First(void* Rec);
+    void Last(void* Rec);
+    void GetRecord(std::int32_t Index, void* Rec);
+    // The record's place inside the block, after the index check.
+    void* Get(std::int32_t Index);
+    void Insert(std::int32_t Index, const void* Rec);
+    void Move(std::int32_t CurIndex, std::int32_t NewIndex);
+    // `Rec` points to a variable that holds the address of the sought bytes.
+    std::int32_t IndexOf(const void* Rec);
+    // The first index for which `Func(record, Item)` is true; -1 if none or the list is empty.
+    std::int32_t Find(const TFindFunc& Func, const void* Item);
+
+    void SaveToStream(TStream& Stream);
+    void LoadFromStream(TStream& Stream);
+
+    std::uint8_t* List() const { return FList.get(); }
+    std::int32_t Count() const { return FCount; }
+    void SetCount(std::int32_t Value);
+    std::int32_t Capacity() const { return FCapacity; }
+    void SetCapacity(std::int32_t Value);
+    std::uint16_t RecSize() const { return FRecSize; }
+    std::int32_t MaxCapacity() const { return FMaxCapacity; }
+
+protected:
+    // Sets the record size and the largest capacity that it allows.
+    void SetRecSize(std::uint16_t RecSize);
+    // The record's place without the index check, for indexes inside the block.
+    std::uint8_t* RecordAt(std::int32_t Index) const {
+        return FList.get() + static_cast<std::size_t>(Index) * FRecSize;
+    }
+
+    std::unique_ptr<std::uint8_t[]> FList;
+    std::uint16_t FRecSize = 0;
+    std::int32_t FCount = 0;
+    std::int32_t FCapacity = 0;
+    std::int32_t FMaxCapacity = 0;
+
+private:
+    // Bytes allocated in `FList`; follows `FCapacity * FRecSize` but stays right when a load
+    // changes the record size under an existing block.
+    std::size_t FBlockSize = 0;
+    bool IndexValid(std::int32_t Index) const { return Index >= 0 && Index < FCount; }
+};
+
+} // namespace vl
