@@ -98,6 +98,7 @@ void TComponent::RemoveComponent(TComponent* AComponent) {
 void TComponent::InsertIntoList(TComponent* AComponent) {
     FComponents.emplace_back(AComponent);
     AComponent->FOwner = this;
+    ++FListVersion;
 }
 
 void TComponent::RemoveFromList(TComponent* AComponent) {
@@ -106,6 +107,7 @@ void TComponent::RemoveFromList(TComponent* AComponent) {
         if (it->get() == AComponent) {
             (void)it->release();
             FComponents.erase(it);
+            ++FListVersion;
             break;
         }
     }
@@ -191,13 +193,20 @@ void TComponent::LoadedAll() {
 
 void TComponent::Notification(TComponent* AComponent, TOperation Operation) {
     if (Operation == opRemove && AComponent != nullptr) RemoveFreeNotification(AComponent);
-    // Last to first; a notified component may remove others, so clamp the index to the list after
-    // each call.
-    int i = ComponentCount() - 1;
-    while (i >= 0) {
-        FComponents[static_cast<std::size_t>(i)]->Notification(AComponent, Operation);
-        --i;
-        if (i >= ComponentCount()) i = ComponentCount() - 1;
+    // Last to first, over the components owned when the notice came. A notified component may delete
+    // others, or itself, so after the list has changed each one is looked up again before it is told:
+    // nobody is told twice, and nobody who has gone is touched.
+    if (FComponents.empty()) return;
+    std::vector<TComponent*> snapshot;
+    snapshot.reserve(FComponents.size());
+    for (const auto& component : FComponents) snapshot.push_back(component.get());
+    const std::uint64_t version = FListVersion;
+    for (auto it = snapshot.rbegin(); it != snapshot.rend(); ++it) {
+        if (FListVersion != version &&
+            std::none_of(FComponents.begin(), FComponents.end(),
+                         [target = *it](const std::unique_ptr<TComponent>& c) { return c.get() == target; }))
+            continue;
+        (*it)->Notification(AComponent, Operation);
     }
 }
 

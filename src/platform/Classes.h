@@ -166,8 +166,9 @@ public:
     // Is told of every component inserted into or removed from this component's owner tree, and of
     // the destruction of free-notification partners. The base forgets a removed component as
     // free-notification partner and passes the notice on to every owned component, last to first,
-    // recursively; the walk stays valid when the list changes under it. Overrides clear their
-    // references to a removed component and call the base.
+    // recursively. The walk stays valid when the list changes under it: components that leave during
+    // the walk are skipped, components that arrive are not told, nobody is told twice. Overrides clear
+    // their references to a removed component and call the base.
     virtual void Notification(TComponent* AComponent, TOperation Operation);
 
     // Asks to be told (`AComponent->Notification(this, opRemove)`) when this component goes, and tells
@@ -190,6 +191,7 @@ private:
 
     TComponent* FOwner = nullptr;
     std::vector<std::unique_ptr<TComponent>> FComponents; // owned, in creation order, destroyed last to first
+    std::uint64_t FListVersion = 0;                       // counts changes of FComponents
     std::vector<TComponent*> FFreeNotifies;               // borrowed partners, told when this one goes
     QString FName;
     std::intptr_t FTag = 0;

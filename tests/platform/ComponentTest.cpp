@@ -189,6 +189,43 @@ TEST(Component, NotificationReachesGrandchildren) {
     EXPECT_EQ(log, (std::vector<std::string>{"~Tool", "Form:-Tool", "Box:-Tool", "Grid:-Tool"}));
 }
 
+TEST(Component, BroadcastSurvivesComponentsDeletedDuringTheWalk) {
+    // A component that frees its victim, and then itself, when it hears that its trigger has gone.
+    struct TDependent : TComponent {
+        TDependent(TComponent* AOwner, std::vector<std::string>* Log) : TComponent(AOwner), FLog(Log) {}
+        void Notification(TComponent* AComponent, TOperation Operation) override {
+            TComponent::Notification(AComponent, Operation);
+            if (Operation == opRemove && AComponent == FTrigger) {
+                FTrigger = nullptr;
+                delete FVictim;
+                FLog->push_back("dependent gone");
+                delete this;
+            }
+        }
+        TComponent* FTrigger = nullptr;
+        TComponent* FVictim = nullptr;
+        std::vector<std::string>* FLog;
+    };
+    std::vector<std::string> log;
+    TRecorder form(nullptr, &log, "Form");
+    auto* a = new TRecorder(&form, &log, "A");
+    auto* victim = new TRecorder(&form, &log, "Victim");
+    auto* trigger = new TRecorder(&form, &log, "Trigger");
+    auto* dependent = new TDependent(&form, &log);
+    auto* z = new TRecorder(&form, &log, "Z");
+    dependent->FTrigger = trigger;
+    dependent->FVictim = victim;
+    log.clear();
+    delete trigger;
+    EXPECT_EQ(form.ComponentCount(), 2);
+    EXPECT_EQ(form.Components(0), a);
+    EXPECT_EQ(form.Components(1), z);
+    EXPECT_EQ(std::count(log.begin(), log.end(), "dependent gone"), 1);
+    EXPECT_EQ(std::count(log.begin(), log.end(), "A:-Trigger"), 1);
+    EXPECT_EQ(std::count(log.begin(), log.end(), "Z:-Trigger"), 1);
+    EXPECT_EQ(std::count(log.begin(), log.end(), "Victim:-Trigger"), 0); // gone before its turn
+}
+
 TEST(Component, NotificationClearsBorrowedReference) {
     TComponent form(nullptr);
     auto* holder = new TRecorder(&form, nullptr);
