@@ -54,7 +54,9 @@ void TStream::WriteBuffer(const void* Buffer, std::int64_t Count) {
 }
 
 std::int64_t TStream::CopyFrom(TStream& Source, std::int64_t Count) {
-    if (Count == 0) {
+    // 0 (or a negative count, which would otherwise size the buffer from a wrapped value) copies the
+    // whole source from its start.
+    if (Count <= 0) {
         Source.SetPosition(0);
         Count = Source.Size();
     }
@@ -187,7 +189,8 @@ void TMemoryStream::SaveToFile(const QString& FileName) {
 
 TFileStream::TFileStream(const QString& FileName, std::uint16_t Mode)
     : FFileName(FileName), FFile(std::make_unique<QFile>(FileName)) {
-    if (Mode == fmCreate) {
+    // The create mode may carry share bits in its low byte, as the framework's modes do.
+    if ((Mode & fmCreate) == fmCreate) {
         if (!FFile->open(QIODevice::ReadWrite | QIODevice::Truncate))
             throw EFCreateError(
                 QStringLiteral("Cannot create file \"%1\". %2").arg(FileName, FFile->errorString()));

@@ -44,8 +44,8 @@ public:
     void ReadBuffer(void* Buffer, std::int64_t Count);
     void WriteBuffer(const void* Buffer, std::int64_t Count);
 
-    // Copies `Count` bytes from `Source` at its position; `Count` 0 copies the whole source from its
-    // start. Answers the bytes copied.
+    // Copies `Count` bytes from `Source` at its position; `Count` 0 (or below) copies the whole source
+    // from its start. Answers the bytes copied.
     std::int64_t CopyFrom(TStream& Source, std::int64_t Count);
 
     // Little-endian fields.

@@ -319,3 +319,23 @@ TEST(FileStream, CopyFromAFile) {
     EXPECT_EQ(dest.CopyFrom(f, 5), 5);
     EXPECT_EQ(dest.Bytes(), QByteArray("world"));
 }
+
+TEST(MemoryStream, CopyFromWithANegativeCountCopiesTheWholeSource) {
+    TMemoryStream source(QByteArray("abc"));
+    source.SetPosition(3);
+    TMemoryStream dest;
+    EXPECT_EQ(dest.CopyFrom(source, -1), 3);
+    EXPECT_EQ(dest.Bytes(), QByteArray("abc"));
+}
+
+TEST(FileStream, CreateWithShareBitsStillCreates) {
+    QTemporaryDir dir;
+    const QString name = dir.filePath(QStringLiteral("share.bin"));
+    {
+        TFileStream f(name, fmCreate | 0x0020);
+        f.WriteUInt8(1);
+    }
+    EXPECT_TRUE(QFile::exists(name));
+    TFileStream f(name, fmCreate | 0x0020);
+    EXPECT_EQ(f.Size(), 0);
+}
