@@ -12,7 +12,18 @@
 //   at `Count` or `Count - 1` raises the list index error; lists grow at their end with `Add`.
 // - `IndexOf` compares records as strings of 2-byte characters up to the first NUL character: a
 //   prefix test. `Find` is the exact search.
-// - `Move(i, i)` does nothing and checks nothing.
+// - `Move(i, i)` does nothing and checks nothing. A move that `Insert` refuses raises and leaves the
+//   record where it was.
+//
+// `Error` is virtual. When a descendant's `Error` returns instead of raising, `SetCapacity` still
+// reallocates (cutting the count to the new capacity), `SetCount` grows with zeroed records, and
+// any other operation with a bad index leaves the list unchanged; no place outside the block is
+// ever handed out or written.
+//
+// The stream form is the count, and when it is not 0 the capacity and the records. A load checks
+// that the records can follow before it allocates (`EReadError` otherwise, also for a negative
+// count), applies `SetCapacity`'s checks to the stored capacity, and keeps the stored reserve beyond
+// the count only up to what the rest of the stream or the growth steps could account for.
 #pragma once
 
 #include "geometry/Vltypes.h"

@@ -39,7 +39,8 @@ public:
     std::int32_t GetPointY(std::int32_t Index);
     void SetPointY(std::int32_t Index, std::int32_t Value);
 
-    // The points as an array, for drawing; valid until the list changes.
+    // The points as an array, for drawing; valid until the list changes. The block is allocated
+    // with the alignment of any fundamental type.
     const TPoint* Points() const { return reinterpret_cast<const TPoint*>(List()); }
 };
 
