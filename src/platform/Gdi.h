@@ -21,12 +21,13 @@
 
 #include "platform/Types.h"
 
+#include <QImage>
+
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string_view>
 
-class QImage;
 class QPaintDevice;
 class QFont;
 class QString;
@@ -60,6 +61,9 @@ class TGdiBrush;
 class TGdiFont;
 class TGdiRegion;
 class TGdiBitmap;
+namespace gdi {
+class TRegionShape;
+}
 
 using HDC = TDeviceContext*;
 using HGDIOBJ = TGdiObject*;
@@ -319,6 +323,71 @@ constexpr std::uint8_t OEM_CHARSET = 255;
 constexpr std::uint8_t DEFAULT_PITCH = 0;
 constexpr std::uint8_t FIXED_PITCH = 1;
 constexpr std::uint8_t VARIABLE_PITCH = 2;
+
+// ---------------------------------------------------------------------------------------------
+// The objects behind the handles: pens, brushes, fonts, regions and bitmaps.
+//
+// Each object counts its selections (into contexts and their saved states). `DeleteObject` of a
+// selected object only marks it; it goes when the last selection ends. Stock objects live for the
+// whole process. Callers use the handles and the functions below, not these members.
+// ---------------------------------------------------------------------------------------------
+
+class TGdiObject {
+public:
+    virtual ~TGdiObject() = default;
+    virtual int ObjectType() const = 0;
+
+    bool IsStock() const { return FStock; }
+    void MarkStock() { FStock = true; }
+    void AddRef() { ++FRefs; }
+    // Ends one selection; deletes the object when it was marked for deletion and nothing holds it.
+    void Release();
+    // Deletes now, or marks for deletion while selected. Stock objects stay.
+    void Delete();
+
+protected:
+    TGdiObject();
+
+private:
+    int FRefs = 0;
+    bool FStock = false;
+    bool FDeletePending = false;
+};
+
+class TGdiPen final : public TGdiObject {
+public:
+    explicit TGdiPen(const LOGPEN& pen) : FLogPen(pen) {}
+    int ObjectType() const override { return OBJ_PEN; }
+    LOGPEN FLogPen;
+};
+
+class TGdiBrush final : public TGdiObject {
+public:
+    explicit TGdiBrush(const LOGBRUSH& brush) : FLogBrush(brush) {}
+    int ObjectType() const override { return OBJ_BRUSH; }
+    LOGBRUSH FLogBrush;
+};
+
+class TGdiFont final : public TGdiObject {
+public:
+    explicit TGdiFont(const LOGFONTW& font) : FLogFont(font) {}
+    int ObjectType() const override { return OBJ_FONT; }
+    LOGFONTW FLogFont;
+};
+
+class TGdiRegion final : public TGdiObject {
+public:
+    explicit TGdiRegion(std::shared_ptr<const gdi::TRegionShape> shape) : FShape(std::move(shape)) {}
+    int ObjectType() const override { return OBJ_REGION; }
+    std::shared_ptr<const gdi::TRegionShape> FShape;
+};
+
+class TGdiBitmap final : public TGdiObject {
+public:
+    explicit TGdiBitmap(QImage image) : FImage(std::move(image)) {}
+    int ObjectType() const override { return OBJ_BITMAP; }
+    QImage FImage; // RGB32
+};
 
 // ---------------------------------------------------------------------------------------------
 // Devices
