@@ -2,7 +2,6 @@
 
 #include "platform/Images.h"
 #include "platform/Numerics.h"
-#include "platform/gdi/GdiObjects.h"
 
 #include <QColor>
 
