@@ -30,7 +30,8 @@ void TList::Grow() {
         delta = 16;
     else
         delta = 4;
-    SetCapacity(std::min(capacity + delta, MaxListSize));
+    // Past the largest size this raises the capacity error, before anything is written.
+    SetCapacity(capacity + delta);
 }
 
 TList& TList::Expand() {

@@ -92,6 +92,16 @@ using enum TDuplicates;
 class TStringList : public TPersistent {
 public:
     TStringList() = default;
+    TStringList(const TStringList& Other)
+        : TPersistent(), FItems(Other.FItems), FSorted(Other.FSorted), FCaseSensitive(Other.FCaseSensitive),
+          FDuplicates(Other.FDuplicates) {}
+    TStringList& operator=(const TStringList& Other) {
+        FItems = Other.FItems;
+        FSorted = Other.FSorted;
+        FCaseSensitive = Other.FCaseSensitive;
+        FDuplicates = Other.FDuplicates;
+        return *this;
+    }
 
     // Copies the strings and objects of another `TStringList`.
     void Assign(TPersistent* Source) override;

@@ -508,3 +508,17 @@ TEST(StringList, MoveKeepsTheObject) {
     EXPECT_EQ(Strings(l), (std::vector<std::string>{"b", "c", "a"}));
     EXPECT_EQ(l.Objects(2), &x);
 }
+
+TEST(StringList, CopiesAreIndependent) {
+    TStringList a;
+    a.SetSorted(true);
+    a.Add(QStringLiteral("m"));
+    TStringList b(a);
+    b.Add(QStringLiteral("a"));
+    EXPECT_TRUE(b.Sorted());
+    EXPECT_EQ(Strings(b), (std::vector<std::string>{"a", "m"}));
+    EXPECT_EQ(Strings(a), std::vector<std::string>{"m"});
+    TStringList c;
+    c = b;
+    EXPECT_EQ(c.Count(), 2);
+}
