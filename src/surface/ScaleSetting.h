@@ -24,6 +24,7 @@
 #include "platform/Gdi.h"
 #include "platform/Types.h"
 
+#include <concepts>
 #include <cstdint>
 #include <functional>
 
@@ -206,6 +207,10 @@ public:
     // These read and write the points without any further effect: the caller invalidates.
     TPoint VPHome() const { return FVPHome; }
     void SetVPHome(TPoint Value) { FVPHome = Value; }
+    std::int32_t VPHomeX() const { return FVPHome.x; }
+    std::int32_t VPHomeY() const { return FVPHome.y; }
+    std::int32_t VPOrgX() const { return FVPOrg.x; }
+    std::int32_t VPOrgY() const { return FVPOrg.y; }
     std::int32_t GetVPHomeX() const { return FVPHome.x; }
     std::int32_t GetVPHomeY() const { return FVPHome.y; }
     void SetVPHomeX(std::int32_t Value) { FVPHome.x = Value; }
@@ -226,6 +231,14 @@ public:
     void SetFullScreen(TScaleFitSource& DataMod, TRect Target);
     // Fits the whole drawing into a window's client area, centred, with at most four re-fits.
     void SetFullScreen(TScaleFitSource& DataMod, const TClientAreaSource& Target);
+    // The same for any window control that answers its client rectangle.
+    template <class TControl>
+    requires requires(const TControl& c) {
+        { c.ClientRect() } -> std::convertible_to<TRect>;
+    }
+    void SetFullScreen(TScaleFitSource& DataMod, const TControl& Target) {
+        FitToRect(DataMod, Target.ClientRect(), true);
+    }
 
     // --- Direction and origin ---------------------------------------------------------------------
     std::int32_t GetDirHorz() const;

@@ -284,6 +284,24 @@ TEST(ScaleSettingMap, FullScreenFitsCentresAndMapsTheCanvas) {
     EXPECT_EQ(MM_ANISOTROPIC, GetMapMode(d.DC));
 }
 
+// A control as the framework has it, answering its client rectangle.
+struct Control {
+    TRect ClientRect() const { return Rect(0, 0, 200, 100); }
+};
+
+TEST(ScaleSettingMap, FullScreenTakesTheClientRectangleOfAControlAndCentres) {
+    Device d;
+    TScaleSetting s(&d.Canvas);
+    Load(s, TLenUnits::Pixel, TOrigin::LeftTop);
+    CountingModule dm;
+    dm.Limits = LimRec(0, 0, 500, 100);
+    dm.OnAdjust = [&] { s.State.Include(scBoundsChanged); };
+    s.SetFullScreen(dm, Control{});
+    EXPECT_EQ(0.4, s.RawScale());
+    EXPECT_EQ((TPoint{0, 30}), s.VPHome()); // 40 pixels high in 100
+    EXPECT_EQ(1 + 4, dm.AdjustCalls);
+}
+
 TEST(ScaleSettingMap, FullScreenInAWindowReadaptsObjectsInFourRoundsAtMost) {
     Device d;
     TScaleSetting s(&d.Canvas);

@@ -562,6 +562,8 @@ TEST(ScaleSetting, ViewportAccessorsHaveNoFurtherEffect) {
     EXPECT_EQ((TPoint{7, 8}), l.S.VPHome());
     EXPECT_EQ(5, l.S.GetVPOrgX());
     EXPECT_EQ(8, l.S.GetVPHomeY());
+    EXPECT_EQ(6, l.S.VPOrgY());
+    EXPECT_EQ(7, l.S.VPHomeX());
     EXPECT_TRUE(l.S.State.Empty());
 }
 
