@@ -230,7 +230,7 @@ HDC CreateCompatibleDC(HDC dc) {
     if (Live(dc))
         memory->Backend().SetResolution(GetDeviceCaps(dc, LOGPIXELSX), GetDeviceCaps(dc, LOGPIXELSY));
     memory->FState.Bitmap = TObjRef(bitmap);
-    DeleteObject(bitmap); // goes when the context lets it go
+    memory->FDefaultBitmap = bitmap;
     return memory;
 }
 

@@ -74,6 +74,7 @@ public:
     int FStyleOffset = 0;
     TRect FDrawnBounds;
     TDrawnEvent FOnDrawn;
+    HBITMAP FDefaultBitmap = nullptr; // owned: the 1 x 1 bitmap a memory context starts with
 
 private:
     std::unique_ptr<gdi::TDeviceBackend> FBackend;

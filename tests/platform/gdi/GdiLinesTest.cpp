@@ -67,7 +67,7 @@ TEST(GdiLines, OpenPolylineLeavesItsLastPointUndrawn) {
     TSurface s(6, 4);
     const TPoint points[3] = {{0, 0}, {4, 0}, {4, 3}};
     Polyline(s.Dc(), points, 3);
-    EXPECT_EQ(s.Dump(), Rows({"####..", "....#.", "....#.", "......"}));
+    EXPECT_EQ(s.Dump(), Rows({"#####.", "....#.", "....#.", "......"}));
 }
 
 TEST(GdiLines, LineToSequenceDrawsTheSharedCornerOnce) {

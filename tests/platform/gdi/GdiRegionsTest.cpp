@@ -104,8 +104,10 @@ TEST(GdiRegions, RectInRegionWithOnePixelRectangleIsAPointTest) {
 
 TEST(GdiRegions, RectInRegionFindsAnyOverlap) {
     HRGN r = CreateEllipticRgn(0, 0, 10, 10);
-    const TRect cornerOutside{0, 0, 2, 2};
+    const TRect cornerOutside{0, 0, 3, 1};
     EXPECT_FALSE(RectInRegion(r, &cornerOutside));
+    const TRect reachingIn{0, 0, 4, 1};
+    EXPECT_TRUE(RectInRegion(r, &reachingIn));
     const TRect reversed{3, 3, 0, 0};
     EXPECT_TRUE(RectInRegion(r, &reversed));
     const TRect beyond{10, 0, 20, 10};

@@ -138,12 +138,16 @@ TEST(GdiShapes, ThickPenIsCentredOnTheOutline) {
     HPEN pen = CreatePen(PS_SOLID, 3, 0);
     SelectObject(s.Dc(), pen);
     Rectangle(s.Dc(), 3, 3, 13, 13);
-    EXPECT_EQ(s.Pixel(1, 8), 0u);
-    EXPECT_EQ(s.Pixel(0, 8), test::Grey);
+    // The one-pixel outline would be columns 3 and 12; three pixels wide it covers 2..4 and 11..13.
+    EXPECT_EQ(s.Pixel(1, 8), test::Grey);
+    EXPECT_EQ(s.Pixel(2, 8), 0u);
     EXPECT_EQ(s.Pixel(4, 8), 0u);
     EXPECT_EQ(s.Pixel(5, 8), RGB(255, 255, 255));
+    EXPECT_EQ(s.Pixel(10, 8), RGB(255, 255, 255));
+    EXPECT_EQ(s.Pixel(11, 8), 0u);
     EXPECT_EQ(s.Pixel(13, 8), 0u);
     EXPECT_EQ(s.Pixel(14, 8), test::Grey);
+    EXPECT_EQ(s.InkBox(), (TRect{2, 2, 14, 14}));
     SelectObject(s.Dc(), GetStockObject(BLACK_PEN));
     DeleteObject(pen);
 }
