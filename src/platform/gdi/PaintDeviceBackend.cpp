@@ -7,6 +7,7 @@
 #include "platform/gdi/DeviceBackend.h"
 
 #include <QImage>
+#include <QPagedPaintDevice>
 #include <QPaintDevice>
 #include <QPaintEngine>
 #include <QPainter>
@@ -74,7 +75,8 @@ public:
         switch (index) {
         case DRIVERVERSION: return 0x4000;
         case TECHNOLOGY:
-            if (FDevice->devType() == QInternal::Printer) return DT_RASPRINTER;
+            if (FDevice->devType() == QInternal::Printer || dynamic_cast<QPagedPaintDevice*>(FDevice))
+                return DT_RASPRINTER;
             if (FDevice->devType() == QInternal::Picture) return DT_METAFILE;
             return DT_RASDISPLAY;
         case HORZRES: return FDevice->width();
