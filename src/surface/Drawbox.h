@@ -1,0 +1,176 @@
+// The draw box: the visual control on which a drawing lives, and the one entry of paint, mouse and
+// key events into the system.
+//
+// Everything below it is passive: objects draw themselves in the mapping in force (`ActScaleSet`),
+// the current tool turns logical positions into actions, the data module lists objects. The box owns
+// its scale setting, grid, shadow settings, application identity and its two local (ruler) objects;
+// it borrows its data module unless it made it itself (`bsOwnDataMod`), and it borrows its current
+// tool (`FTool`). Borrowed references are cleared when the component goes.
+//
+// Every entry (paint, mouse, keys, `MoveObjects`, the end of `Loaded`) first makes the box's scale
+// setting the one in force, so that two boxes on one form alternate correctly.
+#pragma once
+
+#include "geometry/Vltypes.h"
+#include "objects/ObjectBase.h"
+#include "surface/Scl12.h"
+
+#include <functional>
+#include <memory>
+
+namespace vl {
+
+class TMouseTool;
+class TScaleSetting;
+class TShadows;
+class TvlApplication;
+class TvlCreator;
+class TvlDataMod;
+class TvlGrid;
+
+// A filter and an action over the tools of the box's owner; the action may set `Done` to end the walk.
+using TCompFilter = std::function<bool(TComponent* AComponent)>;
+using TComponentProc = std::function<void(TComponent* AComponent, bool& Done)>;
+
+class TCustomDrawBox : public TScrollPaint {
+public:
+    explicit TCustomDrawBox(TComponent* AOwner);
+    ~TCustomDrawBox() override;
+
+    void Loaded() override;
+    void Notification(TComponent* AComponent, TOperation Operation) override;
+
+    // --- Properties -------------------------------------------------------------------------------
+    TMouseTool* Tool() const { return FTool; }
+    TScaleSetting& ScaleSetting() { return *FScaleSetting; }
+    TvlObject* MouseFnd() const { return FMouseFnd; }
+    void SetMouseFnd(TvlObject* Value) { FMouseFnd = Value; }
+    TCoordPnt AnchorPos() const { return FAnchor; }
+    void SetAnchorPos(TCoordPnt Value) { FAnchor = Value; }
+    bool ScrollAnchor() const { return FScrollAnchor; }
+    void SetScrollAnchor(bool Value) { FScrollAnchor = Value; }
+    TvlGrid& Grid() { return *FGrid; }
+    TColor clMarkPen() const { return FclMarkPen; }
+    void SetclMarkPen(TColor Value) { FclMarkPen = Value; }
+    TShadows& Shadows() { return *FShadows; }
+    TvlDataMod* DataModule() const { return FDataModule; }
+    void SetDataModule(TvlDataMod* Value) { FDataModule = Value; }
+    TvlApplication& App() { return *FApplication; }
+    TvlObject* ScaleHorz() const { return FScaleHorz.get(); }
+    TvlObject* ScaleVert() const { return FScaleVert.get(); }
+    // The local objects are owned by the box; a new one replaces (and frees) the old.
+    void SetScaleHorz(std::unique_ptr<TvlObject> Value) { FScaleHorz = std::move(Value); }
+    void SetScaleVert(std::unique_ptr<TvlObject> Value) { FScaleVert = std::move(Value); }
+    int ClipboardFmt() const { return FClipboardFmt; }
+
+    TNotifyEvent OnScaleChange;
+    TNotifyEvent BeforePaint;
+    TNotifyEvent AfterPaint;
+    TNotifyEvent OnPredefineObjects;
+
+    // Set at the end of `Loaded`; the first paint consumes it.
+    bool Initializing = false;
+
+    // --- Operations -------------------------------------------------------------------------------
+    virtual void DoInitialize();
+    // Runs `OnPredefineObjects`, keeping the cursor, then the range check.
+    void PredefineObjects();
+    // Makes a data module of the box's own (owned by the box's owner, freed by the box).
+    void InstallDataModule();
+    // True when the data module is the host's.
+    bool DefDataMod() const { return !State.Contains(bsOwnDataMod); }
+    void LoadFromFile(const QString& FileName);
+    void SaveToFile(const QString& FileName);
+    bool CanClose() const;
+    // A new object of the creator for `ToolID`; raises when there is no such creator.
+    TvlObject* CreateObject(std::int16_t ToolID);
+
+    // The client rectangle in logical coordinates, not normalised.
+    TRect GetClientRect_Log();
+    TRect ClientRect_Log() { return GetClientRect_Log(); }
+    // A logical point in screen coordinates.
+    TPoint LogToScreen(TPoint LogPnt);
+
+    virtual void AllLocalObjects(const TAllObjectsProc& Action, void* Params);
+    virtual TvlObject* FindLocalObject(const TFirstObjectFunc& Condition, void* Params);
+
+    void WithToolsDo(const TCompFilter& Filter, const TComponentProc& Action);
+    static bool Creators(TComponent* AComponent);
+    void InitTools();
+    void SetDefaultTool();
+    // Confines the cursor to the client area.
+    void SetClipping();
+    // Moves the marked objects by a distance (snapped when the grid captures), without backup.
+    void MoveObjects(TPoint DeltaPos);
+    // Invalidates a logical rectangle with erase and paints it before returning.
+    void UpdateRect(const TLimRec& LimRec);
+    // Invalidates the data module's restore rect with erase.
+    void InvalidateChanges();
+    void InvalidateRestoreRect();
+    void InvalidateBox();
+
+    // The handler of the scale setting's `OnScaleChange`.
+    void ScaleChanged(TPersistent* Sender);
+    void CheckScrollRange() override;
+
+    // A device context outside a paint, in the box's logical mapping.
+    HDC GetDeviceContext() override;
+
+protected:
+    void Paint() override;
+    void WMPaint(TMessage& Message) override;
+    void WMHScroll(TMessage& Message) override;
+    void WMVScroll(TMessage& Message) override;
+    void Resize() override;
+    void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
+    void MouseMove(TShiftState Shift, int X, int Y) override;
+    void MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) override;
+    void KeyDown(std::uint16_t& Key, TShiftState Shift) override;
+    void KeyUp(std::uint16_t& Key, TShiftState Shift) override;
+    void DragOver(QObject* Source, int X, int Y, TDragState State, bool& Accept) override;
+    void DragDrop(QObject* Source, int X, int Y) override;
+
+    void DoBeforePaint();
+    void DoAfterPaint();
+    // Shows one object if it is visible and meets the limits at `Params`; tells a nosy one first.
+    static void PaintObjects(TvlObject* AnyObject, void* Params);
+    // A device point in logical coordinates, mapped on the box's canvas.
+    TPoint DevToLog(int X, int Y);
+
+private:
+    friend class TMouseTool;
+
+    TMouseTool* FTool = nullptr; // borrowed: the current tool
+    std::unique_ptr<TScaleSetting> FScaleSetting;
+    TvlObject* FMouseFnd = nullptr; // borrowed: the object under the mouse
+    TCoordPnt FAnchor;
+    bool FScrollAnchor = false;
+    std::unique_ptr<TvlGrid> FGrid;
+    TColor FclMarkPen = 255;
+    std::unique_ptr<TShadows> FShadows;
+    TvlDataMod* FDataModule = nullptr; // borrowed, or the box's own with `bsOwnDataMod`
+    std::unique_ptr<TvlApplication> FApplication;
+    std::unique_ptr<TvlObject> FScaleHorz;
+    std::unique_ptr<TvlObject> FScaleVert;
+    int FClipboardFmt = 0;
+};
+
+// The published draw box. Presses take the focus first; a press that cannot take it is dropped.
+class TvlDrawbox : public TCustomDrawBox {
+public:
+    explicit TvlDrawbox(TComponent* AOwner);
+
+    void WndProc(TMessage& Message) override;
+
+protected:
+    // Keys are not taken for dialog navigation: they all reach `KeyDown`, `KeyUp`.
+    void CNKeyDown(TMessage& Message) override;
+    void CNKeyUp(TMessage& Message) override;
+};
+
+// The creator of `Owner` for a class number: for a negative `ID` the last `TvlCreator` whose `GetID`
+// equals it (compared as 16-bit values); for 0 or more the component of that index if it is a
+// `TvlCreator`. Null otherwise.
+TvlCreator* FindCreatorByID(TComponent* Owner, std::int32_t ID);
+
+} // namespace vl
