@@ -18,6 +18,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -92,6 +93,7 @@ public:
     void Show() override {
         Note("Show");
         ShownWith = ActScaleSet;
+        if (OnShow) OnShow();
         if (ActScaleSet && ActScaleSet->Canvas()) {
             TCanvas& c = *ActScaleSet->Canvas();
             c.Brush().SetColor(Fill);
@@ -118,6 +120,7 @@ public:
     std::vector<std::uint32_t> Messages;
     int Adjusted = 0;
     TScaleSetting* ShownWith = nullptr;
+    std::function<void()> OnShow;
 
 private:
     void Note(const char* What) {
