@@ -108,8 +108,16 @@ void TBitmapCanvas::FreeContext() {
 }
 
 void TBitmapCanvas::CreateHandle() {
-    // An empty bitmap still has a canvas; it draws into a one-pixel memory context.
-    FOwnHandle = FBitmap->FImage.isNull() ? CreateCompatibleDC(nullptr) : CreateImageDC(&FBitmap->FImage);
+    // An empty bitmap still has a canvas; it draws into a one-pixel scratch image.
+    if (FBitmap->FImage.isNull()) {
+        if (FScratch.isNull()) {
+            FScratch = QImage(1, 1, QImage::Format_RGB32);
+            FScratch.fill(0xFFFFFFFFu);
+        }
+        FOwnHandle = CreateImageDC(&FScratch);
+    } else {
+        FOwnHandle = CreateImageDC(&FBitmap->FImage);
+    }
     SetHandle(FOwnHandle);
 }
 

@@ -87,6 +87,7 @@ protected:
 private:
     TBitmap* FBitmap; // the owner
     HDC FOwnHandle = nullptr;
+    QImage FScratch; // the surface of an empty bitmap's canvas
 };
 
 // A pixel grid in RGB32 with the pixel format it is written in. A bitmap of 8 bits or less keeps its
