@@ -76,6 +76,10 @@ TDeviceContext::TDeviceContext(std::unique_ptr<gdi::TDeviceBackend> backend, boo
 
 TDeviceContext::~TDeviceContext() {
     LiveContexts().erase(this);
+    // Let go of every selection before the default bitmap goes.
+    FSaved.clear();
+    FState = TDcState{};
+    if (FDefaultBitmap) DeleteObject(FDefaultBitmap);
 }
 
 std::int32_t TDeviceContext::LogToDevX(std::int64_t x) const {

@@ -361,7 +361,7 @@ public:
     TRect Shape(TShapeKindDev kind, const TRect& r, int cw, int ch, const TDrawAttrs& attrs,
                 const TDeviceClip& clip) override {
         Begin();
-        if (clip.IsEmpty() || attrs.Rop2 == R2_NOP) return {};
+        if (clip.IsEmpty() || attrs.Rop2 == R2_NOP || r.Left >= r.Right || r.Top >= r.Bottom) return {};
         const TPaint brush = BrushPaint(attrs.Brush, attrs.Rop2, attrs);
         if (attrs.Pen.IsNull()) {
             if (attrs.Brush.IsNull()) return {};
@@ -429,7 +429,11 @@ public:
             const double inset = inside ? w / 2.0 : 0.5;
             const QRectF rf(r.Left + inset, r.Top + inset, (r.Right - r.Left) - 2 * inset,
                             (r.Bottom - r.Top) - 2 * inset);
-            const TRect box{r.Left - w, r.Top - w, r.Right + w, r.Bottom + w};
+            auto grow = [](std::int64_t v) {
+                return std::int32_t(std::clamp<std::int64_t>(v, INT32_MIN / 2, INT32_MAX / 2));
+            };
+            const TRect box{grow(std::int64_t(r.Left) - w), grow(std::int64_t(r.Top) - w),
+                            grow(std::int64_t(r.Right) + w), grow(std::int64_t(r.Bottom) + w)};
             PaintCoverage(box, pen, clip, [&](QPainter& p) {
                 QPainterPath path;
                 switch (kind) {

@@ -36,7 +36,7 @@ TEST_P(GdiBltCodes, CombineSourceAndDestination) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    RasterCodes, GdiBltCodes,
+    Gdi, GdiBltCodes,
     ::testing::Values(
         TBltCase{SRCCOPY, "SrcCopy", [](std::uint32_t s, std::uint32_t) { return s; }},
         TBltCase{SRCAND, "SrcAnd", [](std::uint32_t s, std::uint32_t d) { return s & d; }},

@@ -68,7 +68,7 @@ TEST_P(GdiMappingRounding, RoundsHalfAwayFromZeroOnBothAxes) {
     EXPECT_EQ(ToDev(s.Dc(), c.Logical, c.Logical), Point(c.Device, c.Device));
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, GdiMappingRounding,
+INSTANTIATE_TEST_SUITE_P(Gdi, GdiMappingRounding,
                          ::testing::Values(TMapCase{3, 2, 0, 0, 1, 1},       // 0.667 -> 1
                                            TMapCase{3, 2, 0, 0, -1, -1},     // -0.667 -> -1
                                            TMapCase{4, 2, 0, 0, 3, 2},       // 1.5 -> 2

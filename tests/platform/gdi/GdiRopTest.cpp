@@ -90,7 +90,7 @@ TEST_P(GdiRopModes, AppliesToWidePens) {
     DeleteObject(pen);
 }
 
-INSTANTIATE_TEST_SUITE_P(AllSixteen, GdiRopModes, ::testing::ValuesIn(RopCases()),
+INSTANTIATE_TEST_SUITE_P(Gdi, GdiRopModes, ::testing::ValuesIn(RopCases()),
                          [](const ::testing::TestParamInfo<TRopCase>& info) {
                              return std::string(info.param.Name);
                          });

@@ -234,7 +234,7 @@ TEST_P(GdiTextFaces, ClassicFacesResolveToMetricCompatibleInstalledOnes) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Names, GdiTextFaces,
+    Gdi, GdiTextFaces,
     ::testing::Values(TFaceCase{u"Arial", "Liberation Sans"},
                       TFaceCase{u"Times New Roman", "Liberation Serif"},
                       TFaceCase{u"MS Sans Serif", "Liberation Sans"},
