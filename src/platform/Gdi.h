@@ -498,6 +498,17 @@ bool GetBitmapSize(HBITMAP bitmap, TSize* size);
 
 // ---------------------------------------------------------------------------------------------
 // Drawing (logical units)
+//
+// On the raster device: one-pixel lines step one pixel per major-axis unit, the minor coordinate
+// rounded half up in the direction of travel; the end point of a line and the last point of a
+// polyline are not drawn, so joints are drawn once. Dashed and dotted one-pixel pens use the patterns
+// 18-6, 3-3, 9-6-3-6 and 9-3-3-3-3-3 pixels, continued along a run of LineTo calls and restarted by
+// MoveToEx and each Polyline; their gaps take the background colour in OPAQUE mode. Pens wider than a
+// pixel are solid with round caps and joins (mitred on rectangles); PS_INSIDEFRAME keeps them inside
+// the shape. Rectangle, Ellipse and RoundRect cover the pixels of the same-named region of their
+// normalised device rectangle: the border pixels (with a neighbour outside) take the one-pixel pen,
+// the rest the brush; without a pen the brush fills the region one pixel smaller at the right and
+// bottom. Text is drawn without antialiasing and without the raster mode.
 // ---------------------------------------------------------------------------------------------
 
 bool MoveToEx(HDC dc, int x, int y, TPoint* previous = nullptr);

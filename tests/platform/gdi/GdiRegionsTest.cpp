@@ -247,3 +247,33 @@ TEST(GdiRegions, InvalidHandlesAreRefused) {
 
 } // namespace
 } // namespace vl
+
+namespace vl {
+namespace {
+
+TEST(GdiRegions, PolyPolygonRegionWithWindingFillsNestedOutlinesOfTheSameDirection) {
+    const TPoint points[8] = {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {3, 3}, {7, 3}, {7, 7}, {3, 7}};
+    const int counts[2] = {4, 4};
+    HRGN winding = CreatePolyPolygonRgn(points, counts, 2, WINDING);
+    HRGN alternate = CreatePolyPolygonRgn(points, counts, 2, ALTERNATE);
+    EXPECT_TRUE(PtInRegion(winding, 5, 5));
+    EXPECT_FALSE(PtInRegion(alternate, 5, 5));
+    EXPECT_TRUE(PtInRegion(alternate, 1, 5));
+    DeleteObject(winding);
+    DeleteObject(alternate);
+}
+
+TEST(GdiRegions, RegionsInLogicalUnitsCanBeTestedAgainstLogicalRectangles) {
+    // A shape made in logical units of a 0.1 mm drawing, tested against a frame in the same units.
+    HRGN r = CreateRoundRectRgn(100000, 200000, 600000, 500000, 50000, 50000);
+    const TRect inside{300000, 300000, 300010, 300010};
+    const TRect cornerGap{100000, 200000, 100100, 200100};
+    const TRect beside{600000, 200000, 700000, 500000};
+    EXPECT_TRUE(RectInRegion(r, &inside));
+    EXPECT_FALSE(RectInRegion(r, &cornerGap));
+    EXPECT_FALSE(RectInRegion(r, &beside));
+    DeleteObject(r);
+}
+
+} // namespace
+} // namespace vl

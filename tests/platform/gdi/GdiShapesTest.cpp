@@ -210,3 +210,49 @@ TEST(GdiShapes, SetPixelAndGetPixelUseLogicalCoordinates) {
 
 } // namespace
 } // namespace vl
+
+namespace vl {
+namespace {
+
+TEST(GdiShapes, HugeEllipseIsDrawnRowByRowInsideTheDevice) {
+    test::TSurface s(20, 20);
+    SelectObject(s.Dc(), GetStockObject(BLACK_BRUSH));
+    // The device sees only the middle of an ellipse a hundred million pixels wide: all fill, no pen.
+    Ellipse(s.Dc(), -100000000, -100000000, 100000000, 100000000);
+    EXPECT_EQ(s.CountPixels(0), 400);
+    test::TSurface edge(20, 20);
+    SelectObject(edge.Dc(), GetStockObject(NULL_BRUSH));
+    Ellipse(edge.Dc(), -100000000, 5, 100000000, 100000000);
+    // Only the top of the outline crosses the device, on row 5.
+    EXPECT_EQ(edge.InkBox(), (TRect{0, 5, 20, 6}));
+}
+
+TEST(GdiShapes, PolyPolygonFillsEachOutlineWithTheFillRule) {
+    test::TSurface s(12, 12);
+    SelectObject(s.Dc(), GetStockObject(NULL_PEN));
+    SelectObject(s.Dc(), GetStockObject(BLACK_BRUSH));
+    const TPoint points[8] = {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {3, 3}, {7, 3}, {7, 7}, {3, 7}};
+    const int counts[2] = {4, 4};
+    PolyPolygon(s.Dc(), points, counts, 2);
+    EXPECT_EQ(s.Pixel(5, 5), test::Grey); // the inner square is a hole in alternate mode
+    EXPECT_EQ(s.Pixel(1, 1), 0u);
+    EXPECT_EQ(s.CountPixels(0), 100 - 16);
+}
+
+TEST(GdiShapes, PolyPolylineDrawsSeparateLines) {
+    test::TSurface s(6, 4);
+    const TPoint points[4] = {{0, 0}, {3, 0}, {0, 2}, {5, 2}};
+    const std::uint32_t counts[2] = {2, 2};
+    EXPECT_TRUE(PolyPolyline(s.Dc(), points, counts, 2));
+    EXPECT_EQ(s.Dump(), test::Rows({"###...", "......", "#####.", "......"}));
+}
+
+TEST(GdiShapes, DrawnBoundsAreClipped) {
+    test::TSurface s(20, 20);
+    IntersectClipRect(s.Dc(), 5, 5, 10, 10);
+    Rectangle(s.Dc(), 0, 0, 20, 20);
+    EXPECT_EQ(GetDrawnBoundsDev(s.Dc(), false), (TRect{5, 5, 10, 10}));
+}
+
+} // namespace
+} // namespace vl
