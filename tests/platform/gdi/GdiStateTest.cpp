@@ -206,3 +206,30 @@ TEST(GdiState, MemoryContextDrawsIntoItsSelectedBitmap) {
 
 } // namespace
 } // namespace vl
+
+namespace vl {
+namespace {
+
+TEST(GdiState, RestoreDcPutsBackTheBitmapOfAMemoryContext) {
+    HDC memory = CreateCompatibleDC(nullptr);
+    HBITMAP first = CreateCompatibleBitmap(memory, 3, 3);
+    HBITMAP second = CreateCompatibleBitmap(memory, 5, 5);
+    HGDIOBJ original = SelectObject(memory, first);
+    SaveDC(memory);
+    SelectObject(memory, second);
+    EXPECT_EQ(GetDeviceCaps(memory, HORZRES), 5);
+    // Deleting the selected bitmap waits for its deselection.
+    EXPECT_TRUE(DeleteObject(second));
+    EXPECT_EQ(GetObjectType(second), OBJ_BITMAP);
+    RestoreDC(memory, -1);
+    EXPECT_EQ(GetDeviceCaps(memory, HORZRES), 3);
+    EXPECT_EQ(GetObjectType(second), 0);
+    SetPixel(memory, 1, 1, test::Red);
+    EXPECT_EQ(GetBitmapImage(first)->pixel(1, 1) & 0xFFFFFFu, 0xFF0000u);
+    SelectObject(memory, original);
+    DeleteObject(first);
+    EXPECT_TRUE(DeleteDC(memory));
+}
+
+} // namespace
+} // namespace vl
