@@ -16,6 +16,19 @@
 
 namespace vl {
 
+namespace {
+
+// A device rectangle cut to just beyond the client area. The window invalidates only what lies in
+// its client area anyway; the cut keeps the far corners of huge logical rectangles from reaching
+// the window layer's arithmetic.
+TRect ClampToClient(const TLimRec& Dev, const TRect& Client) {
+    auto clampX = [&](std::int32_t v) { return std::clamp(v, Client.Left - 1, Client.Right + 1); };
+    auto clampY = [&](std::int32_t v) { return std::clamp(v, Client.Top - 1, Client.Bottom + 1); };
+    return Rect(clampX(Dev.Xmin), clampY(Dev.Ymin), clampX(Dev.Xmax), clampY(Dev.Ymax));
+}
+
+} // namespace
+
 // ---------------------------------------------------------------------------------------------
 // Construction and destruction
 // ---------------------------------------------------------------------------------------------
@@ -257,7 +270,7 @@ void TCustomDrawBox::InvalidateChanges() {
     LPtoDP(dc, pts, 2);
     TLimRec dev = LimRec(pts[0].x, pts[0].y, pts[1].x, pts[1].y);
     LimRecDirection(dev);
-    const TRect r = Rect(dev.Xmin, dev.Ymin, dev.Xmax, dev.Ymax);
+    const TRect r = ClampToClient(dev, ClientRect());
     InvalidateRect(&r, true);
 }
 
@@ -271,7 +284,7 @@ void TCustomDrawBox::UpdateRect(const TLimRec& LimRec) {
     LPtoDP(Canvas().Handle(), pts, 2);
     TLimRec dev = vl::LimRec(pts[0].x, pts[0].y, pts[1].x, pts[1].y);
     LimRecDirection(dev);
-    const TRect r = Rect(dev.Xmin, dev.Ymin, dev.Xmax, dev.Ymax);
+    const TRect r = ClampToClient(dev, ClientRect());
     InvalidateRect(&r, true);
     Update();
 }
