@@ -31,7 +31,9 @@ void TPersistent::AssignError(const TPersistent* Source) const {
     throw EConvertError(QStringLiteral("Cannot assign a %1 to a %2").arg(sourceName, ClassName()));
 }
 
-QString TPersistent::ClassName() const {
+TObject::~TObject() = default;
+
+QString TObject::ClassName() const {
     const char* mangled = typeid(*this).name();
     int status = 0;
     char* demangled = abi::__cxa_demangle(mangled, nullptr, nullptr, &status);

@@ -24,23 +24,31 @@
 
 namespace vl {
 
+// The framework's root class: anything that can be the sender of an event, or be named in a message
+// by its class name. Objects of the library are not copyable; they are referred to by pointer.
+class TObject {
+public:
+    TObject() = default;
+    TObject(const TObject&) = delete;
+    TObject& operator=(const TObject&) = delete;
+    virtual ~TObject();
+
+    // The class name for messages, without namespace ("TComponent"). The default derives it from the
+    // run-time type, so derived classes need not override it.
+    virtual QString ClassName() const;
+};
+
 // The framework's persistent base: things that can copy their content from one another by `Assign`.
-class TPersistent {
+class TPersistent : public TObject {
 public:
     TPersistent() = default;
-    TPersistent(const TPersistent&) = delete;
-    TPersistent& operator=(const TPersistent&) = delete;
-    virtual ~TPersistent();
+    ~TPersistent() override;
 
     // Copies the content of `Source`. The base asks the source to do it (`Source->AssignTo(this)`),
     // and raises `EConvertError` "Cannot assign a <source class> to a <own class>" when `Source` is
     // null ("nil") or no side knows how. Overrides handle the sources they know and call the base
     // for the others.
     virtual void Assign(TPersistent* Source);
-
-    // The class name for messages, without namespace ("TComponent"). The default derives it from the
-    // run-time type, so derived classes need not override it.
-    virtual QString ClassName() const;
 
 protected:
     // Copies this object's content into `Dest`. The base raises the assignment error; classes that
