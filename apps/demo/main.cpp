@@ -69,8 +69,8 @@ int main(int argc, char** argv) {
     box->Grid().SetIncVert(10000);
     box->Grid().Pen().SetColor(0xE0E0E0);
     box->Grid().SetVisible(true);
-    box->AfterPaint = [box](vl::TPersistent*) { DrawSheet(*box); };
-    form.OnResize = [&form, box](vl::TPersistent*) {
+    box->AfterPaint = [box](vl::TObject*) { DrawSheet(*box); };
+    form.OnResize = [&form, box](vl::TObject*) {
         box->SetBounds(0, 0, form.ClientWidth(), form.ClientHeight());
     };
 

@@ -16,9 +16,12 @@
 // `DestroyComponents()` at the start of its destructor.
 #pragma once
 
+#include "platform/Sets.h"
+
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -37,6 +40,10 @@ public:
     // run-time type, so derived classes need not override it.
     virtual QString ClassName() const;
 };
+
+// A notification event: one assignee, called with the object that sends it. Callers test that it
+// is assigned before each call.
+using TNotifyEvent = std::function<void(TObject* Sender)>;
 
 // The framework's persistent base: things that can copy their content from one another by `Assign`.
 class TPersistent : public TObject {
@@ -74,39 +81,8 @@ enum class TComponentStateFlag : std::uint8_t {
 };
 using enum TComponentStateFlag;
 
-// A small set of `TComponentStateFlag`s; bit n stands for the flag of value n.
-class TComponentState {
-public:
-    constexpr TComponentState() = default;
-    constexpr TComponentState(TComponentStateFlag Flag) : FBits(Bit(Flag)) {}
-
-    constexpr bool Contains(TComponentStateFlag Flag) const { return (FBits & Bit(Flag)) != 0; }
-    constexpr bool Empty() const { return FBits == 0; }
-    constexpr std::uint16_t Bits() const { return FBits; }
-    constexpr void Include(TComponentStateFlag Flag) { FBits |= Bit(Flag); }
-    constexpr void Exclude(TComponentStateFlag Flag) { FBits &= static_cast<std::uint16_t>(~Bit(Flag)); }
-
-    constexpr TComponentState operator|(TComponentState Other) const { return FromBits(FBits | Other.FBits); }
-    constexpr TComponentState operator&(TComponentState Other) const { return FromBits(FBits & Other.FBits); }
-    constexpr TComponentState operator-(TComponentState Other) const {
-        return FromBits(FBits & ~Other.FBits);
-    }
-    constexpr TComponentState& operator|=(TComponentState Other) { return *this = *this | Other; }
-    constexpr TComponentState& operator-=(TComponentState Other) { return *this = *this - Other; }
-    friend constexpr bool operator==(TComponentState, TComponentState) = default;
-
-    static constexpr TComponentState FromBits(unsigned Bits) {
-        TComponentState s;
-        s.FBits = static_cast<std::uint16_t>(Bits);
-        return s;
-    }
-
-private:
-    static constexpr std::uint16_t Bit(TComponentStateFlag Flag) {
-        return static_cast<std::uint16_t>(1u << static_cast<unsigned>(Flag));
-    }
-    std::uint16_t FBits = 0;
-};
+// A set of `TComponentStateFlag`s, 16 bits wide.
+using TComponentState = TFlagSet<TComponentStateFlag, std::uint16_t>;
 
 constexpr TComponentState operator|(TComponentStateFlag a, TComponentStateFlag b) {
     return TComponentState(a) | TComponentState(b);

@@ -81,15 +81,14 @@ using enum TBorderStyle;
 enum class TDragState : std::uint8_t { dsDragEnter, dsDragLeave, dsDragMove };
 using enum TDragState;
 
-using TNotifyEvent = std::function<void(TPersistent* Sender)>;
 using TMouseEvent =
-    std::function<void(TPersistent* Sender, TMouseButton Button, TShiftState Shift, int X, int Y)>;
-using TMouseMoveEvent = std::function<void(TPersistent* Sender, TShiftState Shift, int X, int Y)>;
-using TKeyEvent = std::function<void(TPersistent* Sender, std::uint16_t& Key, TShiftState Shift)>;
-using TKeyPressEvent = std::function<void(TPersistent* Sender, char16_t& Key)>;
+    std::function<void(TObject* Sender, TMouseButton Button, TShiftState Shift, int X, int Y)>;
+using TMouseMoveEvent = std::function<void(TObject* Sender, TShiftState Shift, int X, int Y)>;
+using TKeyEvent = std::function<void(TObject* Sender, std::uint16_t& Key, TShiftState Shift)>;
+using TKeyPressEvent = std::function<void(TObject* Sender, char16_t& Key)>;
 using TDragOverEvent =
-    std::function<void(TPersistent* Sender, QObject* Source, int X, int Y, TDragState State, bool& Accept)>;
-using TDragDropEvent = std::function<void(TPersistent* Sender, QObject* Source, int X, int Y)>;
+    std::function<void(TObject* Sender, QObject* Source, int X, int Y, TDragState State, bool& Accept)>;
+using TDragDropEvent = std::function<void(TObject* Sender, QObject* Source, int X, int Y)>;
 
 // The shift state of Qt's modifiers and mouse buttons.
 TShiftState ShiftStateOf(Qt::KeyboardModifiers Modifiers, Qt::MouseButtons Buttons);

@@ -332,9 +332,9 @@ HGDIOBJ TFont::CreateObject() const {
 
 TCanvas::TCanvas()
     : FPen(std::make_unique<TPen>()), FBrush(std::make_unique<TBrush>()), FFont(std::make_unique<TFont>()) {
-    FPen->SetOnChange([this](TPersistent*) { FState &= std::uint8_t(~csPenValid); });
-    FBrush->SetOnChange([this](TPersistent*) { FState &= std::uint8_t(~csBrushValid); });
-    FFont->SetOnChange([this](TPersistent*) { FState &= std::uint8_t(~csFontValid); });
+    FPen->SetOnChange([this](TObject*) { FState &= std::uint8_t(~csPenValid); });
+    FBrush->SetOnChange([this](TObject*) { FState &= std::uint8_t(~csBrushValid); });
+    FFont->SetOnChange([this](TObject*) { FState &= std::uint8_t(~csFontValid); });
 }
 
 TCanvas::~TCanvas() {

@@ -153,36 +153,9 @@ using enum TBrushStyle;
 enum class TFontStyle : std::uint8_t { fsBold, fsItalic, fsUnderline, fsStrikeOut };
 using enum TFontStyle;
 
-// A set of font styles; bit n stands for the style of value n, as the drawing file stores it.
-class TFontStyles {
-public:
-    constexpr TFontStyles() = default;
-    constexpr TFontStyles(TFontStyle Style) : FBits(Bit(Style)) {}
-
-    constexpr bool Contains(TFontStyle Style) const { return (FBits & Bit(Style)) != 0; }
-    constexpr bool Empty() const { return FBits == 0; }
-    constexpr std::uint8_t Bits() const { return FBits; }
-    constexpr void Include(TFontStyle Style) { FBits |= Bit(Style); }
-    constexpr void Exclude(TFontStyle Style) { FBits &= static_cast<std::uint8_t>(~Bit(Style)); }
-
-    constexpr TFontStyles operator|(TFontStyles Other) const { return FromBits(FBits | Other.FBits); }
-    constexpr TFontStyles operator&(TFontStyles Other) const { return FromBits(FBits & Other.FBits); }
-    constexpr TFontStyles operator-(TFontStyles Other) const { return FromBits(FBits & ~Other.FBits); }
-    friend constexpr bool operator==(TFontStyles, TFontStyles) = default;
-
-    // Bits outside the four styles are dropped.
-    static constexpr TFontStyles FromBits(unsigned Bits) {
-        TFontStyles s;
-        s.FBits = static_cast<std::uint8_t>(Bits & 0x0F);
-        return s;
-    }
-
-private:
-    static constexpr std::uint8_t Bit(TFontStyle Style) {
-        return static_cast<std::uint8_t>(1u << static_cast<unsigned>(Style));
-    }
-    std::uint8_t FBits = 0;
-};
+// A set of font styles; bit n stands for the style of value n, as the drawing file stores it. Bits
+// outside the four styles are dropped.
+using TFontStyles = TFlagSet<TFontStyle, std::uint8_t, 0x0F>;
 
 constexpr TFontStyles operator|(TFontStyle a, TFontStyle b) {
     return TFontStyles(a) | TFontStyles(b);
@@ -201,8 +174,6 @@ using TFontName = QString;
 // The common base of pen, brush and font: the change event and the lazily made device object.
 class TGraphicsObject : public TPersistent {
 public:
-    using TNotifyEvent = std::function<void(TPersistent* Sender)>;
-
     ~TGraphicsObject() override;
 
     // Fired once for each change of a property (not when the new value equals the old one) and
@@ -348,8 +319,6 @@ class EInvalidOperation : public Exception {
 
 class TCanvas : public TPersistent {
 public:
-    using TNotifyEvent = std::function<void(TPersistent* Sender)>;
-
     TCanvas();
     ~TCanvas() override;
 

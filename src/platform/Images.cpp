@@ -362,7 +362,7 @@ void TPicture::Changed() {
 }
 
 void TPicture::Adopt(std::unique_ptr<TGraphic> Graphic) {
-    if (Graphic) Graphic->SetOnChange([this](TPersistent*) { Changed(); });
+    if (Graphic) Graphic->SetOnChange([this](TObject*) { Changed(); });
     FGraphic = std::move(Graphic);
     Changed();
 }

@@ -25,7 +25,6 @@ class TStream;
 
 class TGraphic : public TPersistent {
 public:
-    using TNotifyEvent = std::function<void(TPersistent* Sender)>;
 
     virtual bool Empty() const = 0;
     virtual int Width() const = 0;
@@ -229,7 +228,6 @@ private:
 // Holds one graphic of any class and chooses the class when loading a file by its extension.
 class TPicture : public TPersistent {
 public:
-    using TNotifyEvent = std::function<void(TPersistent* Sender)>;
 
     TPicture();
     ~TPicture() override;

@@ -7,6 +7,7 @@
 // fields next to the classic word parameters.
 #pragma once
 
+#include "platform/Sets.h"
 #include "platform/Types.h"
 
 #include <cstdint>
@@ -15,46 +16,6 @@
 namespace vl {
 
 class TDeviceContext;
-
-// A small set of enumeration values; bit n stands for the value n. `E` is an enumeration whose
-// values are below 32.
-template <class E>
-class TFlagSet {
-public:
-    constexpr TFlagSet() = default;
-    constexpr TFlagSet(E Flag) : FBits(Bit(Flag)) {}
-    constexpr TFlagSet(std::initializer_list<E> Flags) {
-        for (E f : Flags) FBits |= Bit(f);
-    }
-
-    constexpr bool Contains(E Flag) const { return (FBits & Bit(Flag)) != 0; }
-    constexpr bool Empty() const { return FBits == 0; }
-    constexpr std::uint32_t Bits() const { return FBits; }
-    constexpr TFlagSet& Include(E Flag) {
-        FBits |= Bit(Flag);
-        return *this;
-    }
-    constexpr TFlagSet& Exclude(E Flag) {
-        FBits &= ~Bit(Flag);
-        return *this;
-    }
-    constexpr TFlagSet operator|(TFlagSet Other) const { return FromBits(FBits | Other.FBits); }
-    constexpr TFlagSet operator&(TFlagSet Other) const { return FromBits(FBits & Other.FBits); }
-    constexpr TFlagSet operator-(TFlagSet Other) const { return FromBits(FBits & ~Other.FBits); }
-    constexpr TFlagSet& operator|=(TFlagSet Other) { return *this = *this | Other; }
-    constexpr TFlagSet& operator-=(TFlagSet Other) { return *this = *this - Other; }
-    friend constexpr bool operator==(TFlagSet, TFlagSet) = default;
-
-    static constexpr TFlagSet FromBits(std::uint32_t Bits) {
-        TFlagSet s;
-        s.FBits = Bits;
-        return s;
-    }
-
-private:
-    static constexpr std::uint32_t Bit(E Flag) { return 1u << static_cast<unsigned>(Flag); }
-    std::uint32_t FBits = 0;
-};
 
 // The keyboard and mouse state of an input event, at the framework's bit positions.
 enum class TShiftStateFlag : std::uint8_t { ssShift, ssAlt, ssCtrl, ssLeft, ssRight, ssMiddle, ssDouble };

@@ -70,7 +70,7 @@ void TCustomDrawBox::Loaded() {
     Screen.SetCursors(CursorSmallCross, LoadCursorByName(QStringLiteral("SMALL_CROSS")));
     if (ComponentState().Contains(csDesigning)) return;
 
-    FScaleSetting->SetOnScaleChange([this](TPersistent* Sender) { ScaleChanged(Sender); });
+    FScaleSetting->SetOnScaleChange([this](TObject* Sender) { ScaleChanged(Sender); });
     FScaleSetting->InitMapping(Screen.PixelsPerInch());
     if (FScaleSetting->RightOrigin()) FScaleSetting->SetVPHomeX(ClientWidth());
     if (FScaleSetting->BottomOrigin()) FScaleSetting->SetVPHomeY(ClientHeight());
@@ -297,7 +297,7 @@ void TCustomDrawBox::InvalidateBox() {
 // Scale and ranges
 // ---------------------------------------------------------------------------------------------
 
-void TCustomDrawBox::ScaleChanged(TPersistent*) {
+void TCustomDrawBox::ScaleChanged(TObject*) {
     State.Include(bsNewRange);
     if (OnScaleChange) OnScaleChange(this);
 }

@@ -110,7 +110,7 @@ public:
     void InvalidateBox();
 
     // The handler of the scale setting's `OnScaleChange`.
-    void ScaleChanged(TPersistent* Sender);
+    void ScaleChanged(TObject* Sender);
     void CheckScrollRange() override;
 
     // A device context outside a paint, in the box's logical mapping.

@@ -9,12 +9,12 @@
 namespace vl {
 
 TvlGrid::TvlGrid(TCustomDrawBox* AOwner) : FPen(std::make_unique<TPen>()), FDrawbox(AOwner) {
-    FPen->SetOnChange([this](TPersistent* Sender) { Changed(Sender); });
+    FPen->SetOnChange([this](TObject* Sender) { Changed(Sender); });
 }
 
 TvlGrid::~TvlGrid() = default;
 
-void TvlGrid::Changed(TPersistent*) {
+void TvlGrid::Changed(TObject*) {
     if (FDrawbox) FDrawbox->Invalidate();
 }
 

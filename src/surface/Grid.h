@@ -42,7 +42,7 @@ public:
     void Draw(const TLimRec& LimRec);
 
     // Every change of a property repaints the whole box.
-    void Changed(TPersistent* Sender);
+    void Changed(TObject* Sender);
 
 private:
     int FShowEvery = 0;

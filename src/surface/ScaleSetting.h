@@ -54,36 +54,8 @@ enum TScaleStateFlag : std::uint8_t {
     scDesigning,     // the owner is in a form designer
 };
 
-// A set of `TScaleStateFlag`s; bit n stands for the flag of value n.
-class TScaleState {
-public:
-    constexpr TScaleState() = default;
-    constexpr TScaleState(TScaleStateFlag Flag) : FBits(Bit(Flag)) {}
-
-    constexpr bool Contains(TScaleStateFlag Flag) const { return (FBits & Bit(Flag)) != 0; }
-    constexpr bool Empty() const { return FBits == 0; }
-    constexpr std::uint16_t Bits() const { return FBits; }
-    constexpr void Include(TScaleStateFlag Flag) { FBits |= Bit(Flag); }
-    constexpr void Exclude(TScaleStateFlag Flag) { FBits &= static_cast<std::uint16_t>(~Bit(Flag)); }
-
-    constexpr TScaleState operator|(TScaleState Other) const { return FromBits(FBits | Other.FBits); }
-    constexpr TScaleState operator-(TScaleState Other) const { return FromBits(FBits & ~Other.FBits); }
-    constexpr TScaleState& operator|=(TScaleState Other) { return *this = *this | Other; }
-    constexpr TScaleState& operator-=(TScaleState Other) { return *this = *this - Other; }
-    friend constexpr bool operator==(TScaleState, TScaleState) = default;
-
-    static constexpr TScaleState FromBits(unsigned Bits) {
-        TScaleState s;
-        s.FBits = static_cast<std::uint16_t>(Bits & 0x7FF);
-        return s;
-    }
-
-private:
-    static constexpr std::uint16_t Bit(TScaleStateFlag Flag) {
-        return static_cast<std::uint16_t>(1u << static_cast<unsigned>(Flag));
-    }
-    std::uint16_t FBits = 0;
-};
+// The state flags of a scale setting, 16 bits wide; bits beyond the eleven flags are dropped.
+using TScaleState = TFlagSet<TScaleStateFlag, std::uint16_t, 0x7FF>;
 
 constexpr TScaleState operator|(TScaleStateFlag a, TScaleStateFlag b) {
     return TScaleState(a) | TScaleState(b);
@@ -132,8 +104,6 @@ public:
 
 class TScaleSetting : public TPersistent {
 public:
-    using TNotifyEvent = std::function<void(TPersistent* Sender)>;
-
     // The canvas is borrowed and may be null (a print job assigns one later).
     explicit TScaleSetting(TCanvas* ACanvas);
     ~TScaleSetting() override;

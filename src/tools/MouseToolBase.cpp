@@ -26,7 +26,7 @@ void TMouseTool::Terminate() {
     if (OnTerminate) OnTerminate(this);
 }
 
-void TMouseTool::Activate(TPersistent*) {
+void TMouseTool::Activate(TObject*) {
     if (!FDrawForm) return;
     if (FDrawForm->FTool) FDrawForm->FTool->Terminate();
     FDrawForm->FTool = this;

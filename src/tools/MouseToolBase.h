@@ -57,7 +57,7 @@ public:
     virtual void Terminate();
     // Makes the tool the box's current tool: the previous one terminates, the box takes the tool's
     // cursor, `ActScaleSet` becomes the box's, `OnActivate` fires. Nothing without a draw box.
-    virtual void Activate(TPersistent* Sender);
+    virtual void Activate(TObject* Sender);
     virtual void LMouseDown(TShiftState Shift, const TPoint& CurPos);
     virtual void LMouseUp(TShiftState Shift, const TPoint& CurPos);
     virtual void MouseMove(TShiftState Shift, const TPoint& CurPos);

@@ -186,7 +186,7 @@ TEST(ScaleSetting, PixelUnitAtAScaleWhoseQuotientIsInexactStillGetsItsExtents) {
     // representable and its extents are set.
     LoadedSetting l(TLenUnits::Pixel);
     int calls = 0;
-    l.S.SetOnScaleChange([&](TPersistent*) { ++calls; });
+    l.S.SetOnScaleChange([&](TObject*) { ++calls; });
     l.S.SetScale(1.0 / 19);
     EXPECT_EQ(1.0 / 19, l.S.RawScale());
     EXPECT_EQ(1725, l.S.VPExt());
@@ -197,7 +197,7 @@ TEST(ScaleSetting, PixelUnitAtAScaleWhoseQuotientIsInexactStillGetsItsExtents) {
 TEST(ScaleSetting, PixelScaleTooSmallIsRaisedToTheSmallestRepresentable) {
     LoadedSetting l(TLenUnits::Pixel);
     int calls = 0;
-    l.S.SetOnScaleChange([&](TPersistent*) { ++calls; });
+    l.S.SetOnScaleChange([&](TObject*) { ++calls; });
     l.S.SetScale(1e-6);
     // E = 0.032767 is raised twice by ten to 3.2767, so the scale becomes 3.2767 / 32767.
     EXPECT_DOUBLE_EQ(1e-4, l.S.RawScale());
@@ -253,7 +253,7 @@ TEST(ScaleSetting, ClampedSetScaleNotifiesTwiceAndTheSameValueNotAtAll) {
     l.S.Setrcp_Limit(2);
     int calls = 0;
     std::vector<double> seen;
-    l.S.SetOnScaleChange([&](TPersistent* sender) {
+    l.S.SetOnScaleChange([&](TObject* sender) {
         EXPECT_EQ(&l.S, sender);
         ++calls;
         seen.push_back(l.S.RawScale());
@@ -276,7 +276,7 @@ TEST(ScaleSetting, SettingTheSameScaleChangesNothing) {
     l.S.SetScale(0.5);
     l.S.State = TScaleState();
     int calls = 0;
-    l.S.SetOnScaleChange([&](TPersistent*) { ++calls; });
+    l.S.SetOnScaleChange([&](TObject*) { ++calls; });
     l.S.SetScale(0.5);
     EXPECT_EQ(0, calls);
     EXPECT_FALSE(l.S.State.Contains(scChanged));
@@ -285,7 +285,7 @@ TEST(ScaleSetting, SettingTheSameScaleChangesNothing) {
 TEST(ScaleSetting, SetRcp_ScaleStoresWithoutExtentsOrNotification) {
     LoadedSetting l;
     int calls = 0;
-    l.S.SetOnScaleChange([&](TPersistent*) { ++calls; });
+    l.S.SetOnScaleChange([&](TObject*) { ++calls; });
     l.S.SetRcp_Scale(50);
     EXPECT_EQ(0.02, l.S.RawScale());
     EXPECT_EQ(50, l.S.Rcp_Scale());

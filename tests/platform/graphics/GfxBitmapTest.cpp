@@ -417,7 +417,7 @@ TEST(GfxBitmap, AssignCopiesPixelsAndTransparency) {
     source.SetTransparentColor(clBlue);
     TBitmap copy;
     int changes = 0;
-    copy.SetOnChange([&](TPersistent*) { ++changes; });
+    copy.SetOnChange([&](TObject*) { ++changes; });
     copy.Assign(&source);
     EXPECT_EQ(changes, 1);
     EXPECT_EQ(copy.Image(), source.Image());

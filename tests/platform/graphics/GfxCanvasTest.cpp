@@ -382,7 +382,7 @@ TEST(GfxCanvas, BitmapCanvasFollowsResize) {
     bmp.Canvas().FillRect(Rect(3, 0, 4, 2));
     EXPECT_EQ(Rows(bmp), (Picture{"rr.r", "rr.r"}));
     int changes = 0;
-    bmp.SetOnChange([&](TPersistent*) { ++changes; });
+    bmp.SetOnChange([&](TObject*) { ++changes; });
     bmp.Canvas().SetPixels(2, 0, clBlue);
     EXPECT_EQ(changes, 1);
 }
@@ -397,8 +397,8 @@ TEST(GfxCanvas, CanvasOnChangeAroundDrawing) {
     TBitmap bmp(3, 3);
     TCanvas& c = bmp.Canvas();
     std::string order;
-    c.SetOnChanging([&](TPersistent*) { order += '<'; });
-    c.SetOnChange([&](TPersistent*) { order += '>'; });
+    c.SetOnChanging([&](TObject*) { order += '<'; });
+    c.SetOnChange([&](TObject*) { order += '>'; });
     c.Rectangle(0, 0, 2, 2);
     c.LineTo(1, 1);
     EXPECT_EQ(order, "<><>");

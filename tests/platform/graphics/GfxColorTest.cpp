@@ -117,8 +117,8 @@ TEST(GfxPen, DefaultsAreBlackSolidCopyWidthOne) {
 TEST(GfxPen, OnChangeFiresOncePerRealChange) {
     TPen pen;
     int changes = 0;
-    TPersistent* sender = nullptr;
-    pen.SetOnChange([&](TPersistent* s) {
+    TObject* sender = nullptr;
+    pen.SetOnChange([&](TObject* s) {
         ++changes;
         sender = s;
     });
@@ -149,7 +149,7 @@ TEST(GfxPen, AssignCopiesAllAttributesWithOneChange) {
     source.SetMode(pmXor);
     TPen pen;
     int changes = 0;
-    pen.SetOnChange([&](TPersistent*) { ++changes; });
+    pen.SetOnChange([&](TObject*) { ++changes; });
     pen.Assign(&source);
     EXPECT_EQ(pen.Color(), clBlue);
     EXPECT_EQ(pen.Width(), 5);
@@ -204,7 +204,7 @@ TEST(GfxBrush, DefaultsAreWhiteSolid) {
 TEST(GfxBrush, OnChangeAndAssign) {
     TBrush brush;
     int changes = 0;
-    brush.SetOnChange([&](TPersistent*) { ++changes; });
+    brush.SetOnChange([&](TObject*) { ++changes; });
     brush.SetColor(clGray);
     brush.SetColor(clGray);
     brush.SetStyle(bsClear);
@@ -284,7 +284,7 @@ TEST(GfxFont, PositiveHeightGivesNegativeSize) {
 TEST(GfxFont, PixelsPerInchKeepsHeightAndFiresNothing) {
     TFont font;
     int changes = 0;
-    font.SetOnChange([&](TPersistent*) { ++changes; });
+    font.SetOnChange([&](TObject*) { ++changes; });
     font.SetPixelsPerInch(120);
     EXPECT_EQ(font.Height(), -11);
     EXPECT_EQ(font.Size(), 7);
@@ -294,7 +294,7 @@ TEST(GfxFont, PixelsPerInchKeepsHeightAndFiresNothing) {
 TEST(GfxFont, OnChangeOncePerRealChange) {
     TFont font;
     int changes = 0;
-    font.SetOnChange([&](TPersistent*) { ++changes; });
+    font.SetOnChange([&](TObject*) { ++changes; });
     font.SetName(QStringLiteral("Arial"));
     font.SetName(QStringLiteral("Arial"));
     font.SetHeight(-20);
@@ -317,7 +317,7 @@ TEST(GfxFont, AssignCopiesAndKeepsPointSizeAcrossResolutions) {
     source.SetCharset(SYMBOL_CHARSET);
     TFont sameDpi;
     int changes = 0;
-    sameDpi.SetOnChange([&](TPersistent*) { ++changes; });
+    sameDpi.SetOnChange([&](TObject*) { ++changes; });
     sameDpi.Assign(&source);
     EXPECT_EQ(changes, 1);
     EXPECT_EQ(sameDpi.Name(), QStringLiteral("Courier"));

@@ -260,7 +260,7 @@ TEST(GfxPicture, LoadFromFileChoosesClassByExtension) {
 
     TPicture picture;
     int changes = 0;
-    picture.SetOnChange([&](TPersistent*) { ++changes; });
+    picture.SetOnChange([&](TObject*) { ++changes; });
     picture.LoadFromFile(dir.filePath("a.bmp"));
     ASSERT_NE(dynamic_cast<TBitmap*>(picture.Graphic()), nullptr);
     EXPECT_EQ(picture.Width(), 5);
@@ -303,7 +303,7 @@ TEST(GfxPicture, AssignCopiesGraphicOfSameClass) {
 TEST(GfxPicture, GraphicChangeFiresPictureChange) {
     TPicture picture;
     int changes = 0;
-    picture.SetOnChange([&](TPersistent*) { ++changes; });
+    picture.SetOnChange([&](TObject*) { ++changes; });
     TBitmap& bmp = picture.Bitmap();
     EXPECT_EQ(changes, 1);
     bmp.SetSize(4, 4);

@@ -14,13 +14,13 @@ using WinInput = WindowFixture;
 
 TEST_F(WinInput, MouseDownMoveUpCarryButtonShiftAndClientPosition) {
     std::vector<std::tuple<char, TMouseButton, TShiftState, int, int>> seen;
-    Control->OnMouseDown = [&](TPersistent*, TMouseButton b, TShiftState s, int x, int y) {
+    Control->OnMouseDown = [&](TObject*, TMouseButton b, TShiftState s, int x, int y) {
         seen.emplace_back('d', b, s, x, y);
     };
-    Control->OnMouseMove = [&](TPersistent*, TShiftState s, int x, int y) {
+    Control->OnMouseMove = [&](TObject*, TShiftState s, int x, int y) {
         seen.emplace_back('m', mbLeft, s, x, y);
     };
-    Control->OnMouseUp = [&](TPersistent*, TMouseButton b, TShiftState s, int x, int y) {
+    Control->OnMouseUp = [&](TObject*, TMouseButton b, TShiftState s, int x, int y) {
         seen.emplace_back('u', b, s, x, y);
     };
     QTest::mousePress(Window(), Qt::LeftButton, Qt::ShiftModifier, InWindow(30, 40));
@@ -52,11 +52,11 @@ TEST_F(WinInput, RightAndMiddleButtonsWithCtrlAndAlt) {
 TEST_F(WinInput, LeftDoubleClickGivesADoubleClickMessageWithSsDouble) {
     std::vector<TShiftState> downs;
     int dbl = 0;
-    Control->OnMouseDown = [&](TPersistent*, TMouseButton b, TShiftState s, int, int) {
+    Control->OnMouseDown = [&](TObject*, TMouseButton b, TShiftState s, int, int) {
         EXPECT_EQ(b, mbLeft);
         downs.push_back(s);
     };
-    Control->OnDblClick = [&](TPersistent*) { ++dbl; };
+    Control->OnDblClick = [&](TObject*) { ++dbl; };
     QTest::mouseDClick(Window(), Qt::LeftButton, {}, InWindow(50, 50));
     EXPECT_EQ(Control->MouseMessages(),
               (std::vector<std::uint32_t>{WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP}));
@@ -68,7 +68,7 @@ TEST_F(WinInput, LeftDoubleClickGivesADoubleClickMessageWithSsDouble) {
 
 TEST_F(WinInput, RightDoubleClickGivesASecondPressWithSsDouble) {
     std::vector<TShiftState> downs;
-    Control->OnMouseDown = [&](TPersistent*, TMouseButton b, TShiftState s, int, int) {
+    Control->OnMouseDown = [&](TObject*, TMouseButton b, TShiftState s, int, int) {
         EXPECT_EQ(b, mbRight);
         downs.push_back(s);
     };
@@ -100,7 +100,7 @@ TEST_F(WinInput, WithoutDoubleClickStyleTheSecondPressIsPlain) {
 
 TEST_F(WinInput, ClickFiresOnReleaseInsideTheClientArea) {
     int clicks = 0;
-    Control->OnClick = [&](TPersistent*) { ++clicks; };
+    Control->OnClick = [&](TObject*) { ++clicks; };
     QTest::mouseClick(Window(), Qt::LeftButton, {}, InWindow(20, 20));
     EXPECT_EQ(clicks, 1);
 }
@@ -154,7 +154,7 @@ TEST_F(WinInput, PressOnAControlThatCannotTakeTheFocusIsDropped) {
     QApplication::setActiveWindow(&other);
     ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
     int hostDowns = 0;
-    box->OnMouseDown = [&](TPersistent*, TMouseButton, TShiftState, int, int) { ++hostDowns; };
+    box->OnMouseDown = [&](TObject*, TMouseButton, TShiftState, int, int) { ++hostDowns; };
     QMouseEvent press(QEvent::MouseButtonPress, QPointF(5, 5), box->Widget()->mapToGlobal(QPointF(5, 5)),
                       Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(box->Widget(), &press);
@@ -167,8 +167,8 @@ TEST_F(WinInput, FocusMessagesFireEnterAndExit) {
     int enters = 0;
     int exits = 0;
     Form->SetFocus();
-    Control->OnEnter = [&](TPersistent*) { ++enters; };
-    Control->OnExit = [&](TPersistent*) { ++exits; };
+    Control->OnEnter = [&](TObject*) { ++enters; };
+    Control->OnExit = [&](TObject*) { ++exits; };
     Control->SetFocus();
     EXPECT_EQ(enters, 1);
     Form->SetFocus();
@@ -181,7 +181,7 @@ TEST_F(WinInput, FocusMessagesFireEnterAndExit) {
 TEST_F(WinInput, TabAndArrowKeysReachKeyDownWhenTheControlWantsThem) {
     Control->WantKeys = true;
     std::vector<std::pair<std::uint16_t, TShiftState>> keys;
-    Control->OnKeyDown = [&](TPersistent*, std::uint16_t& key, TShiftState shift) {
+    Control->OnKeyDown = [&](TObject*, std::uint16_t& key, TShiftState shift) {
         // The modifier keys come as keys of their own.
         if (key != VK_SHIFT && key != VK_CONTROL) keys.emplace_back(key, shift);
     };
@@ -205,7 +205,7 @@ TEST_F(WinInput, TabMovesTheFocusOnWhenTheControlLeavesItToTheWindow) {
     second->SetParent(Form.get());
     Settle();
     int keyDowns = 0;
-    Control->OnKeyDown = [&](TPersistent*, std::uint16_t&, TShiftState) { ++keyDowns; };
+    Control->OnKeyDown = [&](TObject*, std::uint16_t&, TShiftState) { ++keyDowns; };
     Control->SetFocus();
     QTest::keyClick(Window(), Qt::Key_Tab);
     EXPECT_TRUE(second->Focused());
@@ -218,9 +218,9 @@ TEST_F(WinInput, KeysAreVirtualKeyCodesWithCharactersAndRelease) {
     std::vector<std::uint16_t> downs;
     std::vector<std::uint16_t> ups;
     std::u16string chars;
-    Control->OnKeyDown = [&](TPersistent*, std::uint16_t& key, TShiftState) { downs.push_back(key); };
-    Control->OnKeyUp = [&](TPersistent*, std::uint16_t& key, TShiftState) { ups.push_back(key); };
-    Control->OnKeyPress = [&](TPersistent*, char16_t& key) { chars.push_back(key); };
+    Control->OnKeyDown = [&](TObject*, std::uint16_t& key, TShiftState) { downs.push_back(key); };
+    Control->OnKeyUp = [&](TObject*, std::uint16_t& key, TShiftState) { ups.push_back(key); };
+    Control->OnKeyPress = [&](TObject*, char16_t& key) { chars.push_back(key); };
     Control->SetFocus();
     QTest::keyClick(Window(), Qt::Key_A, Qt::NoModifier);
     QTest::keyClick(Window(), Qt::Key_Escape);
@@ -251,24 +251,24 @@ TEST_F(WinInput, WndProcSeesEveryTranslatedMessageFirstAndCanDropIt) {
         if (m.Msg == WM_LBUTTONDOWN) m.Msg = WM_NULL;
     };
     int downs = 0;
-    Control->OnMouseDown = [&](TPersistent*, TMouseButton, TShiftState, int, int) { ++downs; };
+    Control->OnMouseDown = [&](TObject*, TMouseButton, TShiftState, int, int) { ++downs; };
     QTest::mouseClick(Window(), Qt::LeftButton, {}, InWindow(20, 20));
     EXPECT_EQ(downs, 0);
     EXPECT_EQ(Control->Of(WM_LBUTTONDOWN).size(), 1u);
 }
 
 TEST_F(WinInput, ExceptionInAHandlerGoesToTheErrorServiceAndAbortIsSilent) {
-    Control->OnMouseDown = [](TPersistent*, TMouseButton, TShiftState, int, int) {
+    Control->OnMouseDown = [](TObject*, TMouseButton, TShiftState, int, int) {
         throw Exception("Tastenkombination nicht möglich!");
     };
-    Control->OnMouseUp = [](TPersistent*, TMouseButton, TShiftState, int, int) { Abort(); };
+    Control->OnMouseUp = [](TObject*, TMouseButton, TShiftState, int, int) { Abort(); };
     QTest::mouseClick(Window(), Qt::LeftButton, {}, InWindow(20, 20));
     EXPECT_EQ(Errors.Messages, QStringList{"Tastenkombination nicht möglich!"});
 }
 
 TEST_F(WinInput, DefaultErrorServiceShowsTheMessageAsAnError) {
     TErrorService::Install(nullptr);
-    Control->OnMouseDown = [](TPersistent*, TMouseButton, TShiftState, int, int) { throw Exception("boom"); };
+    Control->OnMouseDown = [](TObject*, TMouseButton, TShiftState, int, int) { throw Exception("boom"); };
     QTest::mouseClick(Window(), Qt::LeftButton, {}, InWindow(20, 20));
     TErrorService::Install(&Errors);
     ASSERT_EQ(Dialogs.Questions.size(), 1u);
@@ -278,7 +278,7 @@ TEST_F(WinInput, DefaultErrorServiceShowsTheMessageAsAnError) {
 
 TEST_F(WinInput, PendingMouseMovesAreDroppedUntilTheLoopPassEnds) {
     int moves = 0;
-    Control->OnMouseMove = [&](TPersistent*, TShiftState, int, int) { ++moves; };
+    Control->OnMouseMove = [&](TObject*, TShiftState, int, int) { ++moves; };
     auto sendMove = [&](int x) {
         QMouseEvent move(QEvent::MouseMove, QPointF(x, 10), Control->Widget()->mapToGlobal(QPointF(x, 10)),
                          Qt::NoButton, Qt::NoButton, Qt::NoModifier);
@@ -324,11 +324,11 @@ TEST_F(WinInput, QtClipCursorGrabsTheMouseForThePressedControlAndReleases) {
 TEST_F(WinInput, DragOverAndDropGiveClientPositions) {
     std::vector<std::tuple<int, int, TDragState>> overs;
     std::vector<std::pair<int, int>> drops;
-    Control->OnDragOver = [&](TPersistent*, QObject*, int x, int y, TDragState state, bool& accept) {
+    Control->OnDragOver = [&](TObject*, QObject*, int x, int y, TDragState state, bool& accept) {
         overs.emplace_back(x, y, state);
         accept = true;
     };
-    Control->OnDragDrop = [&](TPersistent*, QObject*, int x, int y) { drops.emplace_back(x, y); };
+    Control->OnDragDrop = [&](TObject*, QObject*, int x, int y) { drops.emplace_back(x, y); };
     QMimeData data;
     data.setText("x");
     QDragEnterEvent enter(QPoint(10, 20), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);

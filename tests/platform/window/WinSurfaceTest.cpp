@@ -201,7 +201,7 @@ TEST_F(WinSurface, ResizeGrowsTheSurfaceAndPaintsAnew) {
 
 TEST_F(WinSurface, ResizeSendsSizeMessageAndResizeEvent) {
     int resized = 0;
-    Control->OnResize = [&](TPersistent* sender) {
+    Control->OnResize = [&](TObject* sender) {
         EXPECT_EQ(sender, Control);
         ++resized;
     };

@@ -285,7 +285,7 @@ TEST_F(BoxInvalidate, TheDataModuleFlushesAndEmptiesItsRestoreRect) {
 
 TEST_F(BoxInvalidate, UpdateRectPaintsBeforeItReturns) {
     std::vector<TRect> clips;
-    Box->BeforePaint = [&](TPersistent*) { clips.push_back(Box->Canvas().ClipRect()); };
+    Box->BeforePaint = [&](TObject*) { clips.push_back(Box->Canvas().ClipRect()); };
     Box->UpdateRect(LimRec(20, 10, 60, 30));
     ASSERT_EQ(clips.size(), 1u);
     EXPECT_EQ(clips[0], Rect(20, 10, 60, 30));

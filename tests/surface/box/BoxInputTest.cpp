@@ -21,19 +21,19 @@ protected:
         return tool;
     }
     void HookHost(TvlDrawbox* B) {
-        B->OnMouseDown = [this](TPersistent*, TMouseButton, TShiftState S, int X, int Y) {
+        B->OnMouseDown = [this](TObject*, TMouseButton, TShiftState S, int X, int Y) {
             Log.push_back({"host.MouseDown", Point(X, Y), S, ActScaleSet});
         };
-        B->OnMouseMove = [this](TPersistent*, TShiftState S, int X, int Y) {
+        B->OnMouseMove = [this](TObject*, TShiftState S, int X, int Y) {
             Log.push_back({"host.MouseMove", Point(X, Y), S, ActScaleSet});
         };
-        B->OnMouseUp = [this](TPersistent*, TMouseButton, TShiftState S, int X, int Y) {
+        B->OnMouseUp = [this](TObject*, TMouseButton, TShiftState S, int X, int Y) {
             Log.push_back({"host.MouseUp", Point(X, Y), S, ActScaleSet});
         };
-        B->OnKeyDown = [this](TPersistent*, std::uint16_t& K, TShiftState S) {
+        B->OnKeyDown = [this](TObject*, std::uint16_t& K, TShiftState S) {
             Log.push_back({"host.KeyDown", Point(K, 0), S, ActScaleSet});
         };
-        B->OnKeyUp = [this](TPersistent*, std::uint16_t& K, TShiftState S) {
+        B->OnKeyUp = [this](TObject*, std::uint16_t& K, TShiftState S) {
             Log.push_back({"host.KeyUp", Point(K, 0), S, ActScaleSet});
         };
     }
@@ -60,7 +60,7 @@ protected:
 
 TEST_F(BoxInput, ABoxWithoutToolsPaintsButItsHostMouseEventsDoNotFire) {
     int paints = 0;
-    Box->AfterPaint = [&](TPersistent*) { ++paints; };
+    Box->AfterPaint = [&](TObject*) { ++paints; };
     ShowForm();
     LoadForm();
     Box->InvalidateBox();
@@ -244,7 +244,7 @@ TEST_F(BoxInput, TheDefaultToolsRightPressDoesNotReplaceItself) {
     auto* other = new TMouseTool(Form.get());
     other->FDrawForm = Box;
     int terminations = 0;
-    def->OnTerminate = [&](TPersistent*) { ++terminations; };
+    def->OnTerminate = [&](TObject*) { ++terminations; };
     ShowForm();
     LoadForm();
     ASSERT_EQ(Box->Tool(), def);

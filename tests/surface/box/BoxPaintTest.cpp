@@ -41,12 +41,12 @@ TEST_F(BoxPaint, DrawsGridBeforePaintRulersObjectsAfterPaintInThisOrder) {
     Box->Grid().SetVisible(true);
     Box->SetScaleHorz(std::make_unique<TStandInObject>("rulerH", LimRec(0, 0, 300, 5), &log));
     Box->SetScaleVert(std::make_unique<TStandInObject>("rulerV", LimRec(0, 0, 5, 200), &log));
-    Box->BeforePaint = [&](TPersistent*) {
+    Box->BeforePaint = [&](TObject*) {
         // The grid is on the surface already: the line at x = 50 is in the grid's colour.
         log.push_back(SurfacePixel(Box, 50, 120) == 0x0000FF ? "BeforePaint(grid drawn)"
                                                              : "BeforePaint(no grid)");
     };
-    Box->AfterPaint = [&](TPersistent*) { log.push_back("AfterPaint"); };
+    Box->AfterPaint = [&](TObject*) { log.push_back("AfterPaint"); };
     Start();
     Dm->Add(std::make_unique<TStandInObject>("first", LimRec(60, 60, 80, 80), &log));
     auto* second = Dm->Add(std::make_unique<TStandInObject>("second", LimRec(70, 70, 90, 90), &log));
@@ -65,8 +65,8 @@ TEST_F(BoxPaint, DrawsGridBeforePaintRulersObjectsAfterPaintInThisOrder) {
 TEST_F(BoxPaint, AnEmptyDataModuleStillRunsBeforePaintRulersAndAfterPaint) {
     std::vector<std::string> log;
     Box->SetScaleHorz(std::make_unique<TStandInObject>("ruler", LimRec(0, 0, 300, 5), &log));
-    Box->BeforePaint = [&](TPersistent*) { log.push_back("BeforePaint"); };
-    Box->AfterPaint = [&](TPersistent*) { log.push_back("AfterPaint"); };
+    Box->BeforePaint = [&](TObject*) { log.push_back("BeforePaint"); };
+    Box->AfterPaint = [&](TObject*) { log.push_back("AfterPaint"); };
     Start();
     Box->State.Include(bsNewRange);
     Box->ScaleSetting().State.Include(scChanged);
@@ -150,7 +150,7 @@ TEST_F(BoxPaint, LimitsThatChangeDuringThePaintAskForNewRanges) {
 
 TEST_F(BoxPaint, NoPaintWhileAPrintJobRuns) {
     int before = 0;
-    Box->BeforePaint = [&](TPersistent*) { ++before; };
+    Box->BeforePaint = [&](TObject*) { ++before; };
     Start();
     before = 0;
     Box->ScaleSetting().State.Include(scPrinting);
@@ -171,8 +171,8 @@ TEST_F(BoxPaint, PaintStoresTheClientRectInLogicalCoordinates) {
 TEST_F(BoxPaint, TwoBoxesEachPaintWithTheirOwnScaleSetting) {
     TvlDrawbox* other = MakeBox(QStringLiteral("Box2"), Rect(320, 10, 620, 210));
     std::vector<TScaleSetting*> seen;
-    Box->BeforePaint = [&](TPersistent*) { seen.push_back(ActScaleSet); };
-    other->BeforePaint = [&](TPersistent*) { seen.push_back(ActScaleSet); };
+    Box->BeforePaint = [&](TObject*) { seen.push_back(ActScaleSet); };
+    other->BeforePaint = [&](TObject*) { seen.push_back(ActScaleSet); };
     Start();
     seen.clear();
     other->InvalidateBox();
@@ -197,7 +197,7 @@ TEST_F(BoxPaint, ObjectsAreShownWithTheBoxsScaleSettingInForce) {
 
 TEST_F(BoxPaint, TheFirstPaintRunsPredefineObjectsOnce) {
     int calls = 0;
-    Box->OnPredefineObjects = [&](TPersistent*) {
+    Box->OnPredefineObjects = [&](TObject*) {
         ++calls;
         Dm->Add(std::make_unique<TStandInObject>("predefined", LimRec(0, 0, 4, 4)));
     };
@@ -211,7 +211,7 @@ TEST_F(BoxPaint, TheFirstPaintRunsPredefineObjectsOnce) {
 
 TEST_F(BoxPaint, OnPredefineObjectsChangingTheCursorHasNoLastingEffect) {
     Box->SetCursor(crArrow);
-    Box->OnPredefineObjects = [&](TPersistent*) { Box->SetCursor(crHourGlass); };
+    Box->OnPredefineObjects = [&](TObject*) { Box->SetCursor(crHourGlass); };
     Start();
     EXPECT_EQ(Box->Cursor(), crArrow);
 }

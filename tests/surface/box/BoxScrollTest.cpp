@@ -307,7 +307,7 @@ TEST_F(BoxScroll, ShiftAltCtrlRightPressShowsTheErrorDialog) {
     TScrollPaint* p = MakePaint();
     ShowForm();
     int hostDowns = 0;
-    p->OnMouseDown = [&](TPersistent*, TMouseButton, TShiftState, int, int) { ++hostDowns; };
+    p->OnMouseDown = [&](TObject*, TMouseButton, TShiftState, int, int) { ++hostDowns; };
     QTest::mousePress(Window(), Qt::RightButton, Qt::ShiftModifier | Qt::AltModifier | Qt::ControlModifier,
                       InWindow(p, 20, 20));
     QTest::mouseRelease(Window(), Qt::RightButton, Qt::ShiftModifier | Qt::AltModifier | Qt::ControlModifier,
