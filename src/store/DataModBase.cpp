@@ -29,6 +29,20 @@ void TvlDataMod::Invalidate() {
     InvalidateRestoreRect();
 }
 
+TvlObject* TvlDataMod::FirstObjectWith(const TFirstObjectFunc& Condition, void* Params) {
+    TvlObject* found = nullptr;
+    AllObjects(
+        [&](TvlObject* Obj, void* P) {
+            if (!found && Condition(Obj, P)) found = Obj;
+        },
+        Params);
+    return found;
+}
+
+void TvlDataMod::Add(TvlObject*, std::int32_t) {
+    throw Exception(QStringLiteral("This data module cannot hold objects"));
+}
+
 void TEmptyDataMod::LoadFromFile(const QString& FileName) {
     throw Exception(QStringLiteral("No data store is installed to load \"%1\"").arg(FileName));
 }

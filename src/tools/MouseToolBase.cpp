@@ -1,20 +1,69 @@
-// The tool base: how a tool becomes the current tool of its draw box and what it does by default.
+// The tool base: how a tool becomes the current tool of its draw box, its button link, and the
+// object-under-the-mouse protocol.
 
 #include "tools/MouseToolBase.h"
 
+#include "objects/TvlObject.h"
+#include "platform/Buttons.h"
 #include "platform/Services.h"
+#include "store/DataModBase.h"
 #include "surface/Drawbox.h"
 #include "surface/ScaleSetting.h"
 
 namespace vl {
 
+// ---------------------------------------------------------------------------------------------
+// TEnvironment
+// ---------------------------------------------------------------------------------------------
+
 void TEnvironment::Notification(TComponent* AComponent, TOperation Operation) {
     TComponent::Notification(AComponent, Operation);
-    if (!ComponentState().Contains(csDesigning)) return;
+    // A borrowed reference never outlives what it points to, at run time as at design time.
     if (Operation == opRemove && AComponent == FDrawForm) FDrawForm = nullptr;
+    if (!ComponentState().Contains(csDesigning)) return;
     if (Operation == opInsert && FDrawForm == nullptr) {
         if (auto* box = dynamic_cast<TCustomDrawBox*>(AComponent)) FDrawForm = box;
     }
+}
+
+// ---------------------------------------------------------------------------------------------
+// TMouseTool
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+// The button classes a tool links to, tested in this order.
+bool IsLinkableButton(TControl* Control) {
+    return dynamic_cast<TButton*>(Control) || dynamic_cast<TBitBtn*>(Control) ||
+           dynamic_cast<TSpeedButton*>(Control) || dynamic_cast<TToolButton*>(Control);
+}
+
+} // namespace
+
+TMouseTool::~TMouseTool() {
+    // A tool that goes while current leaves its box without a current tool.
+    if (FDrawForm && FDrawForm->Tool() == this) FDrawForm->FTool = nullptr;
+}
+
+void TMouseTool::Notification(TComponent* AComponent, TOperation Operation) {
+    TEnvironment::Notification(AComponent, Operation);
+    if (Operation == opRemove && AComponent == FButton) FButton = nullptr;
+}
+
+void TMouseTool::SetButton(TControl* Value) {
+    if (Value == FButton) return;
+    if (FButton && IsLinkableButton(FButton)) {
+        FButton->OnClick = nullptr;
+        static_cast<TCustomButtonControl*>(FButton)->SetAction(nullptr);
+    }
+    if (FButton) FButton->RemoveFreeNotification(this);
+    FButton = Value;
+    if (FButton) FButton->FreeNotification(this);
+    if (Value && IsLinkableButton(Value)) Value->OnClick = [this](TObject* Sender) { Activate(Sender); };
+}
+
+TColor TMouseTool::GetclNeutral() const {
+    return FDrawForm ? FDrawForm->Color() : clWhite;
 }
 
 void TMouseTool::Init() {
@@ -59,6 +108,55 @@ void TMouseTool::Scroll(const TScrollProc&, const TPoint&) {}
 
 void TMouseTool::SetDefaultTool() {
     if (!FOptions.Contains(toDefaultTool) && FDrawForm) FDrawForm->SetDefaultTool();
+}
+
+// ---------------------------------------------------------------------------------------------
+// TSaveTool
+// ---------------------------------------------------------------------------------------------
+
+TvlDataMod* TSaveTool::GetDataModule() const {
+    return FDrawForm ? FDrawForm->DataModule() : nullptr;
+}
+
+TLimRec* TSaveTool::GetRestoreRect() const {
+    TvlDataMod* dm = GetDataModule();
+    return dm ? &dm->FRestoreRect : nullptr;
+}
+
+TvlObject* TSaveTool::GetMouseFnd() const {
+    return FDrawForm ? FDrawForm->MouseFnd() : nullptr;
+}
+
+void TSaveTool::SetMouseFnd(TvlObject* Value) {
+    if (FDrawForm) FDrawForm->SetMouseFnd(Value);
+}
+
+bool TSaveTool::ObjectFound(TvlObject* CurrentObject) {
+    bool accept = true;
+    if (OnObjectFound) OnObjectFound(CurrentObject, accept);
+    return accept;
+}
+
+void TSaveTool::ObjectRelease(TvlObject* CurrentObject) {
+    if (OnObjectRelease)
+        OnObjectRelease(CurrentObject);
+    else if (FDrawForm)
+        FDrawForm->SetCursor(FCursor);
+}
+
+void TSaveTool::FindMouseObject(const TPoint& CurPos) {
+    TLimRec r = LimRec(CurPos.x, CurPos.y, CurPos.x + 1, CurPos.y + 1);
+    TvlObject* old = GetMouseFnd();
+    if (old && old->Found(r)) return;
+    TvlDataMod* dm = GetDataModule();
+    TvlObject* found = dm ? dm->FirstObjectWith(
+                                [this](TvlObject* Obj, void* Params) {
+                                    return Obj->Found(*static_cast<TLimRec*>(Params)) && ObjectFound(Obj);
+                                },
+                                &r)
+                          : nullptr;
+    SetMouseFnd(found);
+    if (old && old != found) ObjectRelease(old);
 }
 
 } // namespace vl

@@ -3,12 +3,17 @@
 //
 // A tool belongs to the box named in `FDrawForm` (borrowed). Exactly one tool of a box is current,
 // or none: the box holds it in `FTool`, written by `Activate`. Positions given to a tool are logical;
-// the box has mapped them.
+// the box has mapped them. A tool may be linked to a button control (`Button`, borrowed) whose click
+// activates it. The object under the mouse (`MouseFnd`) is kept by the box, not by the tool, so all
+// tools of a box share it and it survives a change of tool.
 #pragma once
 
+#include "geometry/Vltypes.h"
 #include "platform/Classes.h"
 #include "platform/Controls.h"
 #include "platform/Cursors.h"
+#include "platform/Graphics.h"
+#include "platform/Sets.h"
 #include "platform/WinApi.h"
 
 #include <cstdint>
@@ -17,6 +22,8 @@
 namespace vl {
 
 class TCustomDrawBox;
+class TvlDataMod;
+class TvlObject;
 
 class TEnvironment : public TComponent {
 public:
@@ -25,38 +32,60 @@ public:
     TCustomDrawBox* DrawForm() const { return FDrawForm; }
     void SetDrawForm(TCustomDrawBox* Value) { FDrawForm = Value; }
 
-    // At design time: forgets a removed draw box, and takes an inserted one while it has none.
+    // Forgets a removed draw box; at design time takes an inserted one while it has none.
     void Notification(TComponent* AComponent, TOperation Operation) override;
 
     TCustomDrawBox* FDrawForm = nullptr; // borrowed: the draw box served
 };
 
+// The state of a tool's gesture, one byte. `tsWaiting` is never set; it keeps the other bits at
+// their places.
 enum class TToolStateFlag : std::uint8_t { tsWaiting, tsWorking, tsMoving, tsCanScroll };
 using enum TToolStateFlag;
-using TToolState = TFlagSet<TToolStateFlag>;
+using TToolState = TFlagSet<TToolStateFlag, std::uint8_t, 0x0F>;
 
 enum class TToolOption : std::uint8_t { toDefaultTool, toDontScroll };
 using enum TToolOption;
-using TToolOptions = TFlagSet<TToolOption>;
+using TToolOptions = TFlagSet<TToolOption, std::uint8_t, 0x03>;
 
 // One of the box's scroll steps, handed to a tool's `Scroll`.
 using TScrollProc = std::function<void()>;
 
+// The events of the object-under-the-mouse protocol.
+using TObjectFoundEvent = std::function<void(TvlObject* CurrentObject, bool& Accept)>;
+using TObjectEvent = std::function<void(TvlObject* CurrentObject)>;
+
 class TMouseTool : public TEnvironment {
 public:
     explicit TMouseTool(TComponent* AOwner) : TEnvironment(AOwner) {}
+    ~TMouseTool() override;
 
     TToolOptions Options() const { return FOptions; }
     void SetOptions(TToolOptions Value) { FOptions = Value; }
+    // The cursor of the box while the tool is current. A change takes effect at the next `Activate`
+    // (or `ObjectRelease`), not at once.
     TCursor Cursor() const { return FCursor; }
     void SetCursor(TCursor Value) { FCursor = Value; }
+    // The control whose click activates this tool.
+    TControl* Button() const { return FButton; }
+    // Unlinks the previous button (its click handler and its action are cleared) and, for a button
+    // of the framework's button classes, sets its click handler to this tool's `Activate`. A
+    // control of another class is kept but not linked.
+    void SetButton(TControl* Value);
+    // The colour of the draw box: the neutral background of shadows.
+    TColor GetclNeutral() const;
+    TColor ClNeutral() const { return GetclNeutral(); }
+
+    // Forgets a removed button, then the base.
+    void Notification(TComponent* AComponent, TOperation Operation) override;
 
     // Activates the tool if it is the default tool.
     virtual void Init();
-    // Frees the cursor and fires `OnTerminate`.
+    // Frees the cursor and fires `OnTerminate`. The tool state stays as it is.
     virtual void Terminate();
-    // Makes the tool the box's current tool: the previous one terminates, the box takes the tool's
-    // cursor, `ActScaleSet` becomes the box's, `OnActivate` fires. Nothing without a draw box.
+    // Makes the tool the box's current tool: the previous one (this one too) terminates, the box
+    // takes the tool's cursor, `ActScaleSet` becomes the box's, `OnActivate` fires with the tool as
+    // sender. Nothing at all without a draw box.
     virtual void Activate(TObject* Sender);
     virtual void LMouseDown(TShiftState Shift, const TPoint& CurPos);
     virtual void LMouseUp(TShiftState Shift, const TPoint& CurPos);
@@ -65,10 +94,12 @@ public:
     // Returns to the default tool.
     virtual void RMouseDown(TShiftState Shift, const TPoint& CurPos);
     virtual void RMouseUp(TShiftState Shift, const TPoint& CurPos);
+    // The box never calls it; a descendant may.
     virtual void RightDblClk(TShiftState Shift, const TPoint& CurPos);
     virtual bool KeyDown(std::uint16_t& aKey, TShiftState aShift);
     virtual bool KeyUp(std::uint16_t& aKey, TShiftState aShift);
-    // Does nothing; a tool that wants the window to move calls `ScrollProc`.
+    // Does nothing, and in particular does not call `ScrollProc`; a tool that wants the window to
+    // move calls it.
     virtual void Scroll(const TScrollProc& ScrollProc, const TPoint& CurPos);
 
     // Unless this is the default tool, asks the box to activate its default tool.
@@ -79,6 +110,7 @@ public:
     TToolState ToolState;
 
 protected:
+    TControl* FButton = nullptr; // borrowed
     TToolOptions FOptions;
     TCursor FCursor = crDefault;
 };
@@ -87,6 +119,33 @@ protected:
 class TSaveTool : public TMouseTool {
 public:
     explicit TSaveTool(TComponent* AOwner) : TMouseTool(AOwner) {}
+
+    // The data module of the draw box, read anew at each call.
+    TvlDataMod* GetDataModule() const;
+    TvlDataMod* DataModule() const { return GetDataModule(); }
+    // The address of the data module's restore rect.
+    TLimRec* GetRestoreRect() const;
+    TLimRec* RestoreRect() const { return GetRestoreRect(); }
+    // The object under the mouse, kept by the draw box.
+    TvlObject* GetMouseFnd() const;
+    void SetMouseFnd(TvlObject* Value);
+    TvlObject* MouseFnd() const { return GetMouseFnd(); }
+
+    // Whether the tool accepts `CurrentObject` as the object under the mouse: `OnObjectFound` may
+    // refuse it; without the event every object is accepted.
+    virtual bool ObjectFound(TvlObject* CurrentObject);
+    // The mouse left `CurrentObject`: `OnObjectRelease` if assigned, else the box's cursor goes back
+    // to the tool's.
+    void ObjectRelease(TvlObject* CurrentObject);
+
+    // The search of the object under the mouse at `CurPos`: the object found before stays while its
+    // `Found` still accepts the point; otherwise the data module's first object whose `Found` accepts
+    // it and that `ObjectFound` accepts becomes `MouseFnd`, and a different former one is released
+    // (after the new one was accepted).
+    void FindMouseObject(const TPoint& CurPos);
+
+    TObjectFoundEvent OnObjectFound;
+    TObjectEvent OnObjectRelease;
 };
 
 } // namespace vl

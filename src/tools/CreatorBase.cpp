@@ -1,0 +1,181 @@
+// The creator base: the road from a click to an object, the class choice, IDs and slaves.
+
+#include "tools/CreatorBase.h"
+
+#include "platform/Exceptions.h"
+#include "platform/Services.h"
+#include "store/DataModBase.h"
+#include "surface/Drawbox.h"
+#include "surface/Grid.h"
+#include "surface/ScaleSetting.h"
+
+namespace vl {
+
+TvlCreator::TvlCreator(TComponent* AOwner) : TSaveTool(AOwner) {
+    TvlCreator::CreateGenerator();
+    FCursor = crCross;
+}
+
+TvlCreator::~TvlCreator() {
+    FGenerator.reset();
+}
+
+void TvlCreator::Loaded() {
+    TSaveTool::Loaded();
+    if (ComponentState().Contains(csDesigning)) return;
+    FGenerator->FontBackup = FGenerator->Font().Height();
+    Screen.SetCursors(CursorRotate, LoadCursorByName(QStringLiteral("ROTATE")));
+}
+
+void TvlCreator::Activate(TObject* Sender) {
+    TvlDataMod* dm = GetDataModule();
+    if (dm && dm->FUndo.Contains(unCreate)) dm->Backup(bkCreate);
+    TSaveTool::Activate(Sender);
+}
+
+void TvlCreator::LMouseDown(TShiftState, const TPoint& CurPos) {
+    TPoint p = CurPos;
+    if (FDrawForm && FDrawForm->Grid().Capture()) FDrawForm->Grid().MatchCoords(p);
+    SetNewObj(p);
+    if (TvlDataMod* dm = GetDataModule()) dm->InvalidateRestoreRect();
+}
+
+void TvlCreator::CreateGenerator() {
+    FGenerator = std::make_unique<TGenerator>();
+}
+
+void TvlCreator::CheckScaling() {
+    FGenerator->FCurrFontHeight = 0;
+}
+
+void TvlCreator::ReleaseResources() {
+    if (!FGenerator->FFontHandle) return;
+    // A font must not be deleted while it is selected: a stock font takes its place first.
+    if (ActScaleSet && ActScaleSet->Canvas())
+        if (HDC dc = ActScaleSet->Canvas()->HandleAllocated())
+            SelectObject(dc, GetStockObject(ANSI_VAR_FONT));
+    DeleteObject(FGenerator->FFontHandle);
+    FGenerator->FFontHandle = nullptr;
+}
+
+void TvlCreator::ObjectSetData(TvlObject* CurObject) {
+    if (OnObjectSetData)
+        OnObjectSetData(CurObject);
+    else
+        SetDefaultData(CurObject);
+}
+
+void TvlCreator::SetDefaultData(TvlObject*) {}
+
+TCapClass TvlCreator::DefaultClass() {
+    return DefaultObjectClass;
+}
+
+TvlObject* TvlCreator::SetNewObj(const TPoint&) {
+    return nullptr;
+}
+
+void TvlCreator::ObjectFont(TvlObject* CurObject) {
+    if (!ActScaleSet || !ActScaleSet->Canvas()) return;
+    if (TFont* font = CurObject->GetFont()) ActScaleSet->Canvas()->SetFont(*font);
+}
+
+std::int16_t TvlCreator::GetID() {
+    if (ChangeID) {
+        TNewID id = 0;
+        ChangeID(this, id);
+        return id;
+    }
+    return static_cast<std::int16_t>(ComponentIndex());
+}
+
+TCapClass TvlCreator::GetObjectClass() {
+    if (OnObjectSetClass) {
+        TCapClass newClass;
+        OnObjectSetClass(newClass);
+        return newClass;
+    }
+    return DefaultClass();
+}
+
+TvlObject* TvlCreator::CreateObject() {
+    TCapClass objectClass = GetObjectClass();
+    if (!objectClass) throw Exception(QStringLiteral("No object class chosen for the tool %1").arg(Name()));
+    return objectClass(this);
+}
+
+void TvlCreator::AddToDataModule(TvlObject* AObject) {
+    TvlDataMod* dm = GetDataModule();
+    try {
+        if (!dm) throw Exception(QStringLiteral("The tool %1 has no data module").arg(Name()));
+        dm->Add(AObject, FGenerator->Layer());
+    } catch (...) {
+        delete AObject;
+        throw;
+    }
+}
+
+namespace {
+
+// The steps of a slave after its position: number, shown, data, added, and invalidated unless the
+// data hid it.
+void FinishSlave(TvlCreator& Tool, TvlObject* Slave) {
+    Slave->Count();
+    Slave->SetVisible(true);
+    Tool.ObjectSetData(Slave);
+}
+
+} // namespace
+
+TvlObject* TvlCreator::CreateSlave(TvlObject* AMaster) {
+    TvlObject* slave = CreateObject();
+    try {
+        slave->SetMaster(AMaster);
+        FinishSlave(*this, slave);
+    } catch (...) {
+        delete slave;
+        throw;
+    }
+    AddToDataModule(slave);
+    if (slave->GetVisible()) slave->Invalidate();
+    return slave;
+}
+
+TvlObject* TvlCreator::CreateSlaveAt(TvlObject* AMaster, std::int32_t RelX, std::int32_t RelY) {
+    TvlObject* slave = CreateObject();
+    try {
+        slave->SetMaster(AMaster);
+        slave->SetX(AMaster->GetMinX() + RelX);
+        slave->SetY(AMaster->GetMinY() + RelY);
+        FinishSlave(*this, slave);
+    } catch (...) {
+        delete slave;
+        throw;
+    }
+    AddToDataModule(slave);
+    if (slave->GetVisible()) slave->Invalidate();
+    return slave;
+}
+
+void TvlCreator::ObjectColors(TvlObject* CurObject) {
+    if (ActScaleSet && ActScaleSet->Canvas()) {
+        TCanvas& canvas = *ActScaleSet->Canvas();
+        canvas.SetPen(FGenerator->Pen());
+        canvas.SetBrush(FGenerator->Brush());
+    }
+    ObjectFont(CurObject);
+    if (OnObjectSetColors) OnObjectSetColors(CurObject);
+}
+
+void TvlCreator::ObjectShape(TvlObject* CurObject) {
+    if (OnObjectShape) OnObjectShape(CurObject);
+}
+
+bool TvlCreator::ObjectCheckShape(TvlObject* CurObject, const TLimRec& Rect) {
+    bool found = true;
+    if (OnObjectCheckShape)
+        OnObjectCheckShape(CurObject, vl::Rect(Rect.Xmin, Rect.Ymin, Rect.Xmax, Rect.Ymax), found);
+    return found;
+}
+
+} // namespace vl
