@@ -7,12 +7,18 @@
 // one loading pass; the box then has its mapping, a data module and its tools.
 
 #include "geometry/Vltypes.h"
+#include "objects/Generators.h"
+#include "objects/TvlObject.h"
+#include "platform/Buttons.h"
 #include "platform/Controls.h"
 #include "platform/Graphics.h"
 #include "platform/Services.h"
+#include "store/DataModBase.h"
 #include "surface/Drawbox.h"
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
+#include "tools/CreatorBase.h"
+#include "tools/MouseToolBase.h"
 
 #include <QApplication>
 #include <QDir>
@@ -21,7 +27,12 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <QAbstractButton>
+
+#include <algorithm>
 #include <cstdio>
+#include <memory>
+#include <vector>
 
 namespace {
 
@@ -37,6 +48,97 @@ void DrawSheet(vl::TCustomDrawBox& Box) {
     canvas.Font().SetHeight(-3000);
     canvas.TextOut(2000, 57000, QStringLiteral("Vellorum - scale 1:50, grid 1 m"));
 }
+
+// The host's store of objects: a plain list in z-order that owns what it holds.
+class TDemoDataMod : public vl::TvlDataMod {
+public:
+    explicit TDemoDataMod(vl::TComponent* AOwner) : vl::TvlDataMod(AOwner) {}
+    vl::TLimRec GetLimits() override {
+        vl::TLimRec l = vl::EmptyLimRec;
+        for (const auto& o : FObjects) {
+            const vl::TLimRec r = o->GetLimits();
+            l.Xmin = std::min(l.Xmin, r.Xmin);
+            l.Ymin = std::min(l.Ymin, r.Ymin);
+            l.Xmax = std::max(l.Xmax, r.Xmax);
+            l.Ymax = std::max(l.Ymax, r.Ymax);
+        }
+        return l;
+    }
+    void AllObjects(const vl::TAllObjectsProc& Action, void* Params) override {
+        for (const auto& o : FObjects) Action(o.get(), Params);
+    }
+    void InitLimits() override {}
+    bool Empty() override { return FObjects.empty(); }
+    void LoadFromFile(const QString&) override {}
+    void SaveToFile(const QString&) override {}
+    int MarkCount() const override { return 0; }
+    vl::TvlObject* Marked(int) const override { return nullptr; }
+    void UnSelect(vl::TvlObject*) override {}
+    std::uint16_t IncCounter(std::uint16_t Counter) override {
+        if (Counter >= FCounters.size()) FCounters.resize(Counter + 1u, 0);
+        return ++FCounters[Counter];
+    }
+    void Add(vl::TvlObject* AObject, std::int32_t) override { FObjects.emplace_back(AObject); }
+
+private:
+    std::vector<std::unique_ptr<vl::TvlObject>> FObjects;
+    std::vector<std::uint16_t> FCounters;
+};
+
+// An object of the generator's size that draws in the tool's colours, through the tool's
+// `OnObjectDraw` when the host gives one.
+class TDemoObj : public vl::TvlObject {
+public:
+    explicit TDemoObj(vl::TvlCreator* ATool) : vl::TvlObject(ATool) {}
+    std::int32_t GetWidth() override { return Generator()->Width(); }
+    std::int32_t GetHeight() override { return Generator()->Height(); }
+    void Draw() override {
+        Tool()->ObjectColors(this);
+        if (Tool()->OnObjectDraw)
+            Tool()->OnObjectDraw(this);
+        else
+            vl::TvlObject::Draw();
+    }
+};
+
+// A creator that makes one object per click, numbered, in the data module, shown at once.
+class TDemoCreator : public vl::TvlCreator {
+public:
+    explicit TDemoCreator(vl::TComponent* AOwner) : vl::TvlCreator(AOwner) { CreateGenerator(); }
+    void CreateGenerator() override { FGenerator = std::make_unique<vl::TPtGenerator>(); }
+    vl::TCapClass DefaultClass() override { return &vl::NewObjectOf<TDemoObj>; }
+    vl::TvlObject* SetNewObj(const vl::TPoint& CurPos) override {
+        vl::TvlObject* obj = CreateObject();
+        obj->SetPos(CurPos);
+        obj->Count();
+        ObjectSetData(obj);
+        AddToDataModule(obj);
+        obj->Invalidate();
+        obj->SetVisible(true);
+        return obj;
+    }
+};
+
+// The tool that does nothing with the mouse: the one a right click returns to.
+class TDemoPointer : public vl::TSaveTool {
+public:
+    explicit TDemoPointer(vl::TComponent* AOwner) : vl::TSaveTool(AOwner) {}
+};
+
+// A palette button that shows whether its tool is current.
+vl::TSpeedButton* PaletteButton(vl::TForm& Form, vl::TMouseTool& Tool, const QString& Caption, int Index) {
+    auto* button = new vl::TSpeedButton(&Form);
+    button->SetParent(&Form);
+    button->SetBounds(4 + Index * 84, 4, 80, 26);
+    button->SetCaption(Caption);
+    button->ButtonWidget()->setCheckable(true);
+    Tool.SetButton(button);
+    Tool.OnActivate = [button](vl::TObject*) { button->ButtonWidget()->setChecked(true); };
+    Tool.OnTerminate = [button](vl::TObject*) { button->ButtonWidget()->setChecked(false); };
+    return button;
+}
+
+constexpr int PaletteHeight = 34;
 
 } // namespace
 
@@ -60,7 +162,7 @@ int main(int argc, char** argv) {
     auto* box = new vl::TvlDrawbox(&form);
     box->SetName(QStringLiteral("Drawbox1"));
     box->SetParent(&form);
-    box->SetBounds(0, 0, form.ClientWidth(), form.ClientHeight());
+    box->SetBounds(0, PaletteHeight, form.ClientWidth(), form.ClientHeight() - PaletteHeight);
     box->SetColor(vl::clWhite);
     box->SetAutoScroll(true);
     box->ScaleSetting().SetOrigin(vl::TOrigin::LeftBottom);
@@ -71,14 +173,67 @@ int main(int argc, char** argv) {
     box->Grid().SetVisible(true);
     box->AfterPaint = [box](vl::TObject*) { DrawSheet(*box); };
     form.OnResize = [&form, box](vl::TObject*) {
-        box->SetBounds(0, 0, form.ClientWidth(), form.ClientHeight());
+        box->SetBounds(0, PaletteHeight, form.ClientWidth(), form.ClientHeight() - PaletteHeight);
     };
+
+    auto* dataModule = new TDemoDataMod(&form);
+    dataModule->SetName(QStringLiteral("DataModule1"));
+    dataModule->SetDrawForm(box);
+    box->SetDataModule(dataModule);
+
+    // The tool palette: each button activates its tool; a right click returns to the pointer.
+    auto* pointer = new TDemoPointer(&form);
+    pointer->SetName(QStringLiteral("Pointer"));
+    pointer->SetDrawForm(box);
+    pointer->SetOptions(vl::TToolOptions{vl::toDefaultTool});
+    pointer->SetCursor(vl::crArrow);
+
+    auto* circles = new TDemoCreator(&form);
+    circles->SetName(QStringLiteral("Circles"));
+    circles->SetDrawForm(box);
+    circles->Generator()->SetWidth(4000);
+    circles->Generator()->SetHeight(4000);
+    circles->Generator()->Pen().SetColor(vl::clMaroon);
+    circles->Generator()->Brush().SetColor(0x80C0FF);
+    circles->OnObjectDraw = [](vl::TvlObject* Obj) {
+        vl::ActScaleSet->Canvas()->Ellipse(0, 0, Obj->GetWidth(), Obj->GetHeight());
+    };
+
+    auto* boxes = new TDemoCreator(&form);
+    boxes->SetName(QStringLiteral("Boxes"));
+    boxes->SetDrawForm(box);
+    boxes->Generator()->SetWidth(6000);
+    boxes->Generator()->SetHeight(3000);
+    boxes->Generator()->SetCounter(1); // numbered apart from the circles
+    boxes->Generator()->Pen().SetColor(vl::clGreen);
+    boxes->Generator()->Pen().SetWidth(60);
+    boxes->Generator()->Brush().SetColor(0xC0FFC0);
+    boxes->OnObjectDraw = [](vl::TvlObject* Obj) {
+        vl::TCanvas& canvas = *vl::ActScaleSet->Canvas();
+        canvas.Rectangle(0, 0, Obj->GetWidth(), Obj->GetHeight());
+        canvas.Brush().SetStyle(vl::bsClear);
+        canvas.Font().SetHeight(-1200);
+        canvas.TextOut(400, Obj->GetHeight() - 600, QStringLiteral("#%1").arg(Obj->ID()));
+    };
+
+    PaletteButton(form, *pointer, QStringLiteral("Pointer"), 0);
+    PaletteButton(form, *circles, QStringLiteral("Circles"), 1);
+    PaletteButton(form, *boxes, QStringLiteral("Boxes"), 2);
 
     form.BeginLoadingAll();
     form.LoadedAll();
     // Logical (0, 0) a little inside the bottom-left corner.
     box->ScaleSetting().SetVPHome(vl::Point(40, box->ClientHeight() - 40));
     box->ScaleSetting().SetVPOrg(box->ScaleSetting().VPHome());
+
+    if (!screenshot.isEmpty()) {
+        // What a user would do with the palette: pick a creator and click in the drawing.
+        static_cast<vl::TSpeedButton*>(circles->Button())->Click();
+        for (int i = 0; i < 4; ++i) circles->SetNewObj(vl::Point(6000 + i * 9000, 30000 + (i % 2) * 8000));
+        static_cast<vl::TSpeedButton*>(boxes->Button())->Click();
+        boxes->SetNewObj(vl::Point(10000, 10000));
+        boxes->SetNewObj(vl::Point(40000, 14000));
+    }
 
     if (screenshot.isEmpty()) {
         form.Activate();
