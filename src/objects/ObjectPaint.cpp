@@ -8,8 +8,11 @@
 #include "platform/Images.h"
 #include "store/DataModBase.h"
 #include "surface/Drawbox.h"
+#include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
 #include "tools/CreatorBase.h"
+
+#include <algorithm>
 
 namespace vl {
 
@@ -44,9 +47,93 @@ void TvlObject::Print() {
 }
 
 void TvlObject::Draw() {
+    TCustomGenerator* gen = Generator();
+    if (gen && gen->Options().Contains(goShadows)) DrawShade();
     TPicture* picture = GetPicture();
     if (picture && picture->Graphic()) throw Exception(QStringLiteral("Cannot draw picture"));
+    if (!FTool) {
+        Shape();
+        return;
+    }
+    FTool->ObjectColors(this);
+    if (FTool->OnObjectDraw)
+        FTool->OnObjectDraw(this);
+    else
+        Shape();
+}
+
+void TvlObject::DrawShade() {
+    if (!FTool || !FTool->FDrawForm) return;
+    TCanvas& canvas = CanvasOf(Scale());
+    TShadows& shadows = FTool->FDrawForm->Shadows();
+    TPoint oldOrigin{0, 0};
+    SetWindowOrgEx(canvas.Handle(), -(GetMinX() + shadows.dX()), -(GetMinY() + shadows.dY()), &oldOrigin);
+    TCustomGenerator* gen = Generator();
+    if (gen && gen->Brush().Style() != bsSolid) {
+        // A hollow object keeps its brush pattern, in the shadow's colour.
+        FTool->ObjectColors(this);
+        canvas.Brush().SetColor(shadows.Brush().Color());
+        canvas.Pen().SetColor(shadows.Brush().Color());
+    } else {
+        canvas.Brush().Assign(&shadows.Brush());
+        canvas.Pen().SetColor(shadows.Brush().Color());
+    }
     Shape();
+    SetWindowOrgEx(canvas.Handle(), oldOrigin.x, oldOrigin.y);
+}
+
+HRGN TvlObject::CreateShapeRgn(TRgnMode Mode) {
+    if (FTool && FTool->OnObjectShapeRgn) {
+        HRGN rgn = nullptr;
+        FTool->OnObjectShapeRgn(this, Mode, rgn);
+        return rgn;
+    }
+    TCustomGenerator* gen = Generator();
+    const TShapetype shape = gen ? gen->Shape() : stRectangle;
+    if (Mode == rmDev) {
+        TRect r = GetRect_Lcl();
+        TPoint corners[2] = {{r.Left, r.Top}, {r.Right, r.Bottom}};
+        LPtoDP(CanvasOf(Scale()).Handle(), corners, 2);
+        r = Rect(corners[0].x, corners[0].y, corners[1].x, corners[1].y);
+        RectDirection(r);
+        switch (shape) {
+        case stRectangle:
+        case stSquare:
+        case stRegion: return CreateRectRgn(r.Left, r.Top, r.Right, r.Bottom);
+        case stEllipse:
+        case stCircle: return CreateEllipticRgn(r.Left, r.Top, r.Right, r.Bottom);
+        case stRoundRect:
+        case stRoundSquare: {
+            const int w = r.Right - r.Left;
+            const int h = r.Bottom - r.Top;
+            const int d = std::min(w, h) / GetDRoundRect();
+            return CreateRoundRectRgn(r.Left, r.Top, r.Right, r.Bottom, d, d);
+        }
+        case stLine: return nullptr;
+        }
+        return nullptr;
+    }
+    const int left = GetLeft();
+    const int top = GetTop();
+    const int right = GetRight();
+    const int bottom = GetBottom();
+    switch (shape) {
+    case stRectangle:
+    case stRegion: return CreateRectRgn(left, top, right, bottom);
+    case stEllipse:
+    case stCircle: return CreateEllipticRgn(left, top, right, bottom);
+    case stRoundRect: {
+        const int d = GetHeight() / GetDRoundRect();
+        return CreateRoundRectRgn(left, top, right, bottom, d, d);
+    }
+    case stRoundSquare: {
+        const int d = GetWidth() / GetDRoundRect();
+        return CreateRoundRectRgn(left, top, right, bottom, d, d);
+    }
+    case stSquare:
+    case stLine: return nullptr;
+    }
+    return nullptr;
 }
 
 void TvlObject::Drawmark() {

@@ -26,28 +26,6 @@ std::int32_t WrapSub(std::int32_t a, std::int32_t b) {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
 }
 
-// The tool's generator and reference-point event, while the creator's interface is growing.
-template <class C>
-TCustomGenerator* GeneratorOf(C* Tool) {
-    if constexpr (requires(C & t) { t.Generator(); })
-        return Tool->Generator();
-    else
-        return nullptr;
-}
-template <class C>
-bool HasRefPoint(C* Tool) {
-    if constexpr (requires(C & t) { t.OnCalcRefPoint; })
-        return Tool && static_cast<bool>(Tool->OnCalcRefPoint);
-    else
-        return false;
-}
-template <class C>
-TPoint CalcRefPoint(C* Tool, TvlObject* Obj) {
-    TPoint ref{0, 0};
-    if constexpr (requires(C & t) { t.OnCalcRefPoint; }) Tool->OnCalcRefPoint(Obj, ref);
-    return ref;
-}
-
 } // namespace
 
 void AddPasteID(const TPasteIDRec& Rec) {
@@ -80,7 +58,7 @@ TvlObject::~TvlObject() {
 }
 
 TCustomGenerator* TvlObject::Generator() const {
-    return FTool ? GeneratorOf(FTool) : nullptr;
+    return FTool ? FTool->Generator() : nullptr;
 }
 
 TvlDataMod* TvlObject::GetDataModule() const {
@@ -174,35 +152,39 @@ TPicture* TvlObject::GetPicture() {
 
 std::int32_t TvlObject::GetX() {
     if (!State.Contains(isSlave)) return Pos.x;
-    if (HasRefPoint(FTool)) return GetXRef();
+    if (FTool && FTool->OnCalcRefPoint) return GetXRef();
     const std::int32_t masterX = Pos.ConObj ? Pos.ConObj->X_Log() : 0;
     return WrapAdd(masterX, Pos.RelX());
 }
 
 std::int32_t TvlObject::GetY() {
     if (!State.Contains(isSlave)) return Pos.y;
-    if (HasRefPoint(FTool)) return GetYRef();
+    if (FTool && FTool->OnCalcRefPoint) return GetYRef();
     const std::int32_t masterY = Pos.ConObj ? Pos.ConObj->Y_Log() : 0;
     return WrapAdd(masterY, Pos.RelY());
 }
 
 std::int32_t TvlObject::GetXRef() {
-    const TPoint ref = CalcRefPoint(FTool, this);
+    TPoint ref{0, 0};
+    FTool->OnCalcRefPoint(this, ref);
     return WrapAdd(ref.x, Pos.RelX());
 }
 
 std::int32_t TvlObject::GetYRef() {
-    const TPoint ref = CalcRefPoint(FTool, this);
+    TPoint ref{0, 0};
+    FTool->OnCalcRefPoint(this, ref);
     return WrapAdd(ref.y, Pos.RelY());
 }
 
 void TvlObject::SetXRef(std::int32_t Value) {
-    const TPoint ref = CalcRefPoint(FTool, this);
+    TPoint ref{0, 0};
+    FTool->OnCalcRefPoint(this, ref);
     Pos.SetRelX(WrapSub(Value, ref.x));
 }
 
 void TvlObject::SetYRef(std::int32_t Value) {
-    const TPoint ref = CalcRefPoint(FTool, this);
+    TPoint ref{0, 0};
+    FTool->OnCalcRefPoint(this, ref);
     Pos.SetRelY(WrapSub(Value, ref.y));
 }
 
@@ -210,7 +192,7 @@ void TvlObject::SetX(std::int32_t Value) {
     if (State.Contains(isP1Slave)) return;
     if (!State.Contains(isSlave)) {
         Pos.x = Value;
-    } else if (HasRefPoint(FTool)) {
+    } else if (FTool && FTool->OnCalcRefPoint) {
         SetXRef(Value);
     } else {
         Pos.SetRelX(WrapSub(Value, Pos.ConObj ? Pos.ConObj->X_Log() : 0));
@@ -221,7 +203,7 @@ void TvlObject::SetY(std::int32_t Value) {
     if (State.Contains(isP1Slave)) return;
     if (!State.Contains(isSlave)) {
         Pos.y = Value;
-    } else if (HasRefPoint(FTool)) {
+    } else if (FTool && FTool->OnCalcRefPoint) {
         SetYRef(Value);
     } else {
         Pos.SetRelY(WrapSub(Value, Pos.ConObj ? Pos.ConObj->Y_Log() : 0));
@@ -368,11 +350,6 @@ void TvlObject::AssignPos(TvlObject* MirrorObj) {
         Pos.SetRelPos(MirrorObj->Pos.RelPos());
     else
         Pos = MirrorObj->Pos;
-}
-
-HRGN TvlObject::CreateShapeRgn(TRgnMode Mode) {
-    (void)Mode;
-    return nullptr;
 }
 
 std::int32_t TvlObject::Involved(TInvolve Code) {

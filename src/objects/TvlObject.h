@@ -398,6 +398,8 @@ protected:
     std::int32_t GetYRef();
     void SetXRef(std::int32_t Value);
     void SetYRef(std::int32_t Value);
+    // The object's silhouette offset by the draw box's shadow, in the shadow's colours.
+    void DrawShade();
     bool IsAnySlave() const { return State.Contains(isSlave) || State.Contains(isP1Slave); }
     // The scale setting in force; raises when there is none.
     static TScaleSetting& Scale();
