@@ -62,6 +62,14 @@ TEST_F(WinSurface, PaintClippedToAnInvalidRectangleRepaintsOnlyThatRectangle) {
     EXPECT_EQ(ScreenPixel(100, 40), Black);
 }
 
+TEST_F(WinSurface, InvalidateRectNearTheEndsOfTheIntegerRangeCoversTheClientArea) {
+    const TRect huge = Rect(-2147483647, -2147483647, 2147483647, 2147483647);
+    Control->InvalidateRect(&huge, true);
+    Settle();
+    EXPECT_EQ(Control->Paints, 2);
+    EXPECT_EQ(Control->PaintClips.back(), Rect(0, 0, 200, 150));
+}
+
 TEST_F(WinSurface, InvalidateWithoutEraseKeepsTheOldPixelsUnderThePaint) {
     TCanvas& canvas = Control->Canvas();
     canvas.Pen().SetMode(pmNot);
