@@ -176,11 +176,6 @@ int main(int argc, char** argv) {
         box->SetBounds(0, PaletteHeight, form.ClientWidth(), form.ClientHeight() - PaletteHeight);
     };
 
-    auto* dataModule = new TDemoDataMod(&form);
-    dataModule->SetName(QStringLiteral("DataModule1"));
-    dataModule->SetDrawForm(box);
-    box->SetDataModule(dataModule);
-
     // The tool palette: each button activates its tool; a right click returns to the pointer.
     auto* pointer = new TDemoPointer(&form);
     pointer->SetName(QStringLiteral("Pointer"));
@@ -215,6 +210,12 @@ int main(int argc, char** argv) {
         canvas.Font().SetHeight(-1200);
         canvas.TextOut(400, Obj->GetHeight() - 600, QStringLiteral("#%1").arg(Obj->ID()));
     };
+
+    // Made after the creators, so that it and its objects go before them: objects refer to their tools.
+    auto* dataModule = new TDemoDataMod(&form);
+    dataModule->SetName(QStringLiteral("DataModule1"));
+    dataModule->SetDrawForm(box);
+    box->SetDataModule(dataModule);
 
     PaletteButton(form, *pointer, QStringLiteral("Pointer"), 0);
     PaletteButton(form, *circles, QStringLiteral("Circles"), 1);

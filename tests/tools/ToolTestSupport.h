@@ -168,6 +168,8 @@ protected:
         Box->SetDataModule(DataMod);
     }
     void TearDown() override {
+        // Objects refer to their creators: they go first, as the box sees to in a host.
+        DataMod->Objects.clear();
         Form.reset();
         QApplication::processEvents();
         Screen.SetPixelsPerInch(0);
