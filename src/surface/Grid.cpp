@@ -2,9 +2,11 @@
 
 #include "surface/Grid.h"
 
-#include "platform/Numerics.h"
 #include "surface/Drawbox.h"
 #include "surface/ScaleSetting.h"
+
+#include <algorithm>
+#include <cstdint>
 
 namespace vl {
 
@@ -44,11 +46,29 @@ void TvlGrid::SetShowEvery(int Value) {
     Changed(this);
 }
 
+namespace {
+
+// The multiple of `Inc` (above 0) nearest to `Value`, a tie going to the even multiple. Worked in
+// integers, so that a tie is recognised exactly at any magnitude. A multiple that lies beyond the
+// 32-bit range is replaced by its neighbour toward zero, the nearest lattice line that exists.
+std::int32_t SnapToIncrement(std::int32_t Value, std::int32_t Inc) {
+    const std::int64_t v = Value;
+    const std::int64_t inc = Inc;
+    std::int64_t q = v / inc;       // toward zero
+    const std::int64_t r = v % inc; // the sign of `v`
+    const std::int64_t twice = 2 * (r < 0 ? -r : r);
+    if (twice > inc || (twice == inc && q % 2 != 0)) q += v < 0 ? -1 : 1;
+    std::int64_t snapped = q * inc;
+    if (snapped > INT32_MAX) snapped -= inc;
+    if (snapped < INT32_MIN) snapped += inc;
+    return static_cast<std::int32_t>(snapped);
+}
+
+} // namespace
+
 void TvlGrid::MatchCoords(TPoint& Point) const {
-    if (FIncHorz > 0)
-        Point.x = static_cast<std::int32_t>(Round(static_cast<long double>(Point.x) / FIncHorz) * FIncHorz);
-    if (FIncVert > 0)
-        Point.y = static_cast<std::int32_t>(Round(static_cast<long double>(Point.y) / FIncVert) * FIncVert);
+    if (FIncHorz > 0) Point.x = SnapToIncrement(Point.x, FIncHorz);
+    if (FIncVert > 0) Point.y = SnapToIncrement(Point.y, FIncVert);
 }
 
 void TvlGrid::Draw(const TLimRec& LimRec) {
