@@ -25,7 +25,6 @@ class TStream;
 
 class TGraphic : public TPersistent {
 public:
-
     virtual bool Empty() const = 0;
     virtual int Width() const = 0;
     virtual int Height() const = 0;
@@ -228,7 +227,6 @@ private:
 // Holds one graphic of any class and chooses the class when loading a file by its extension.
 class TPicture : public TPersistent {
 public:
-
     TPicture();
     ~TPicture() override;
 

@@ -22,7 +22,9 @@ std::int64_t Round(long double x) {
     return CheckedToInt64(std::nearbyint(x));
 }
 
-std::int64_t Trunc(long double x) { return CheckedToInt64(std::trunc(x)); }
+std::int64_t Trunc(long double x) {
+    return CheckedToInt64(std::trunc(x));
+}
 
 std::int32_t MulDiv(std::int32_t a, std::int32_t b, std::int32_t c) {
     if (c == 0) return -1;

@@ -13,7 +13,9 @@ namespace vl {
 
 TStream::~TStream() = default;
 
-std::int64_t TStream::Position() { return Seek(0, TSeekOrigin::soCurrent); }
+std::int64_t TStream::Position() {
+    return Seek(0, TSeekOrigin::soCurrent);
+}
 
 void TStream::SetPosition(std::int64_t Value) {
     if (Value < 0) return;
@@ -29,7 +31,9 @@ std::int64_t TStream::Size() {
 
 void TStream::SetSize(std::int64_t) {}
 
-std::int64_t TStream::Remaining() { return std::max<std::int64_t>(0, Size() - Position()); }
+std::int64_t TStream::Remaining() {
+    return std::max<std::int64_t>(0, Size() - Position());
+}
 
 void TStream::ReadBuffer(void* Buffer, std::int64_t Count) {
     auto* p = static_cast<std::uint8_t*>(Buffer);
@@ -88,29 +92,73 @@ void TStream::WriteLE(std::uint64_t v, int bytes) {
     WriteBuffer(b, bytes);
 }
 
-std::int8_t TStream::ReadInt8() { return static_cast<std::int8_t>(ReadLE(1)); }
-std::uint8_t TStream::ReadUInt8() { return static_cast<std::uint8_t>(ReadLE(1)); }
-std::int16_t TStream::ReadInt16() { return static_cast<std::int16_t>(ReadLE(2)); }
-std::uint16_t TStream::ReadUInt16() { return static_cast<std::uint16_t>(ReadLE(2)); }
-std::int32_t TStream::ReadInt32() { return static_cast<std::int32_t>(ReadLE(4)); }
-std::uint32_t TStream::ReadUInt32() { return static_cast<std::uint32_t>(ReadLE(4)); }
-std::int64_t TStream::ReadInt64() { return static_cast<std::int64_t>(ReadLE(8)); }
-std::uint64_t TStream::ReadUInt64() { return ReadLE(8); }
-float TStream::ReadSingle() { return std::bit_cast<float>(static_cast<std::uint32_t>(ReadLE(4))); }
-double TStream::ReadDouble() { return std::bit_cast<double>(ReadLE(8)); }
-bool TStream::ReadBool() { return ReadLE(1) != 0; }
+std::int8_t TStream::ReadInt8() {
+    return static_cast<std::int8_t>(ReadLE(1));
+}
+std::uint8_t TStream::ReadUInt8() {
+    return static_cast<std::uint8_t>(ReadLE(1));
+}
+std::int16_t TStream::ReadInt16() {
+    return static_cast<std::int16_t>(ReadLE(2));
+}
+std::uint16_t TStream::ReadUInt16() {
+    return static_cast<std::uint16_t>(ReadLE(2));
+}
+std::int32_t TStream::ReadInt32() {
+    return static_cast<std::int32_t>(ReadLE(4));
+}
+std::uint32_t TStream::ReadUInt32() {
+    return static_cast<std::uint32_t>(ReadLE(4));
+}
+std::int64_t TStream::ReadInt64() {
+    return static_cast<std::int64_t>(ReadLE(8));
+}
+std::uint64_t TStream::ReadUInt64() {
+    return ReadLE(8);
+}
+float TStream::ReadSingle() {
+    return std::bit_cast<float>(static_cast<std::uint32_t>(ReadLE(4)));
+}
+double TStream::ReadDouble() {
+    return std::bit_cast<double>(ReadLE(8));
+}
+bool TStream::ReadBool() {
+    return ReadLE(1) != 0;
+}
 
-void TStream::WriteInt8(std::int8_t v) { WriteLE(static_cast<std::uint8_t>(v), 1); }
-void TStream::WriteUInt8(std::uint8_t v) { WriteLE(v, 1); }
-void TStream::WriteInt16(std::int16_t v) { WriteLE(static_cast<std::uint16_t>(v), 2); }
-void TStream::WriteUInt16(std::uint16_t v) { WriteLE(v, 2); }
-void TStream::WriteInt32(std::int32_t v) { WriteLE(static_cast<std::uint32_t>(v), 4); }
-void TStream::WriteUInt32(std::uint32_t v) { WriteLE(v, 4); }
-void TStream::WriteInt64(std::int64_t v) { WriteLE(static_cast<std::uint64_t>(v), 8); }
-void TStream::WriteUInt64(std::uint64_t v) { WriteLE(v, 8); }
-void TStream::WriteSingle(float v) { WriteLE(std::bit_cast<std::uint32_t>(v), 4); }
-void TStream::WriteDouble(double v) { WriteLE(std::bit_cast<std::uint64_t>(v), 8); }
-void TStream::WriteBool(bool v) { WriteLE(v ? 1 : 0, 1); }
+void TStream::WriteInt8(std::int8_t v) {
+    WriteLE(static_cast<std::uint8_t>(v), 1);
+}
+void TStream::WriteUInt8(std::uint8_t v) {
+    WriteLE(v, 1);
+}
+void TStream::WriteInt16(std::int16_t v) {
+    WriteLE(static_cast<std::uint16_t>(v), 2);
+}
+void TStream::WriteUInt16(std::uint16_t v) {
+    WriteLE(v, 2);
+}
+void TStream::WriteInt32(std::int32_t v) {
+    WriteLE(static_cast<std::uint32_t>(v), 4);
+}
+void TStream::WriteUInt32(std::uint32_t v) {
+    WriteLE(v, 4);
+}
+void TStream::WriteInt64(std::int64_t v) {
+    WriteLE(static_cast<std::uint64_t>(v), 8);
+}
+void TStream::WriteUInt64(std::uint64_t v) {
+    WriteLE(v, 8);
+}
+void TStream::WriteSingle(float v) {
+    WriteLE(std::bit_cast<std::uint32_t>(v), 4);
+}
+void TStream::WriteDouble(double v) {
+    WriteLE(std::bit_cast<std::uint64_t>(v), 8);
+}
+void TStream::WriteBool(bool v) {
+    WriteLE(v ? 1 : 0, 1);
+}
 
 // --- TMemoryStream ---
 
@@ -222,13 +270,17 @@ std::int32_t TFileStream::Write(const void* Buffer, std::int32_t Count) {
 
 std::int64_t TFileStream::Seek(std::int64_t Offset, TSeekOrigin Origin) {
     std::int64_t target = Offset;
-    if (Origin == TSeekOrigin::soCurrent) target += FFile->pos();
-    else if (Origin == TSeekOrigin::soEnd) target += FFile->size();
+    if (Origin == TSeekOrigin::soCurrent)
+        target += FFile->pos();
+    else if (Origin == TSeekOrigin::soEnd)
+        target += FFile->size();
     if (target >= 0) FFile->seek(target);
     return FFile->pos();
 }
 
-std::int64_t TFileStream::Size() { return FFile->size(); }
+std::int64_t TFileStream::Size() {
+    return FFile->size();
+}
 
 void TFileStream::SetSize(std::int64_t NewSize) {
     if (NewSize < 0) return;

@@ -32,7 +32,9 @@ struct TRect {
     friend constexpr bool operator==(const TRect&, const TRect&) = default;
 };
 
-constexpr TPoint Point(std::int32_t x, std::int32_t y) { return {x, y}; }
+constexpr TPoint Point(std::int32_t x, std::int32_t y) {
+    return {x, y};
+}
 constexpr TRect Rect(std::int32_t Left, std::int32_t Top, std::int32_t Right, std::int32_t Bottom) {
     return {Left, Top, Right, Bottom};
 }
