@@ -20,6 +20,26 @@ void TvlGrid::Changed(TObject*) {
     if (FDrawbox) FDrawbox->Invalidate();
 }
 
+void TvlGrid::Assign(TPersistent* Source) {
+    auto* grid = dynamic_cast<TvlGrid*>(Source);
+    if (!grid) {
+        TPersistent::Assign(Source);
+        return;
+    }
+    if (grid == this) return;
+    const bool differs = FShowEvery != grid->FShowEvery || FVisible != grid->FVisible ||
+                         FCapture != grid->FCapture || FIncHorz != grid->FIncHorz ||
+                         FIncVert != grid->FIncVert;
+    FShowEvery = grid->FShowEvery;
+    FVisible = grid->FVisible;
+    FCapture = grid->FCapture;
+    FIncHorz = grid->FIncHorz;
+    FIncVert = grid->FIncVert;
+    // A pen that differs repaints through its own change event.
+    FPen->Assign(grid->FPen.get());
+    if (differs) Changed(this);
+}
+
 void TvlGrid::SetIncHorz(int Value) {
     if (Value == FIncHorz) return;
     FIncHorz = Value;
@@ -112,5 +132,16 @@ TShadows::TShadows() : FBrush(std::make_unique<TBrush>()) {
 }
 
 TShadows::~TShadows() = default;
+
+void TShadows::Assign(TPersistent* Source) {
+    auto* shadows = dynamic_cast<TShadows*>(Source);
+    if (!shadows) {
+        TPersistent::Assign(Source);
+        return;
+    }
+    FdX = shadows->FdX;
+    FdY = shadows->FdY;
+    FBrush->Assign(shadows->FBrush.get());
+}
 
 } // namespace vl

@@ -44,6 +44,10 @@ public:
     // Every change of a property repaints the whole box.
     void Changed(TObject* Sender);
 
+    // Copies the settings of another grid (the box stays this grid's own); the box is repainted once
+    // if anything differed. Any other source raises the assignment error.
+    void Assign(TPersistent* Source) override;
+
 private:
     int FShowEvery = 0;
     bool FVisible = false;
@@ -63,6 +67,10 @@ public:
     int dY() const { return FdY; }
     void SetdY(int Value) { FdY = Value; }
     TBrush& Brush() { return *FBrush; }
+
+    // Copies the offsets and the brush of other shadow settings. Any other source raises the
+    // assignment error.
+    void Assign(TPersistent* Source) override;
 
 private:
     int FdX = 10;

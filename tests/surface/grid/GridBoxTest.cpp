@@ -212,6 +212,23 @@ TEST_F(GridBox, ChangedRepaintsWholeBoxAfterAPartialInvalidation) {
     EXPECT_TRUE(WholeBoxInvalid());
 }
 
+TEST_F(GridBox, AssigningAnEqualGridDoesNotRepaintAndADifferentOneDoes) {
+    Start();
+    TvlGrid same(nullptr);
+    Grid().Assign(&same);
+    EXPECT_TRUE(Box->Surface().Invalid().isEmpty());
+    TvlGrid other(nullptr);
+    other.SetIncVert(20);
+    Grid().Assign(&other);
+    EXPECT_TRUE(WholeBoxInvalid());
+    Box->Update();
+    TvlGrid otherPen(nullptr);
+    otherPen.SetIncVert(20);
+    otherPen.Pen().SetColor(clRed);
+    Grid().Assign(&otherPen);
+    EXPECT_TRUE(WholeBoxInvalid());
+}
+
 // --- The box's own grid and shadows -------------------------------------------------------------
 
 TEST_F(GridBox, TheBoxMakesAGridAndShadowsWithTheirDefaults) {

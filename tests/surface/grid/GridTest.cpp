@@ -4,6 +4,7 @@
 
 #include "surface/Grid.h"
 
+#include "platform/Exceptions.h"
 #include "platform/Gdi.h"
 #include "platform/Graphics.h"
 #include "surface/ScaleSetting.h"
@@ -116,6 +117,37 @@ TEST(GridProperties, AGridWithoutABoxTakesChangesQuietly) {
     grid.SetVisible(true);
     grid.Changed(&grid);
     EXPECT_EQ(grid.Pen().Color(), clRed);
+}
+
+TEST(GridProperties, AssignCopiesEverySettingAndThePen) {
+    TvlGrid source(nullptr);
+    source.SetIncHorz(25);
+    source.SetIncVert(35);
+    source.SetShowEvery(4);
+    source.SetVisible(false);
+    source.SetCapture(true);
+    source.Pen().SetColor(clTeal);
+    source.Pen().SetStyle(psDot);
+    TvlGrid grid(nullptr);
+    grid.Assign(&source);
+    EXPECT_EQ(grid.IncHorz(), 25);
+    EXPECT_EQ(grid.IncVert(), 35);
+    EXPECT_EQ(grid.ShowEvery(), 4);
+    EXPECT_FALSE(grid.Visible());
+    EXPECT_TRUE(grid.Capture());
+    EXPECT_EQ(grid.Pen().Color(), clTeal);
+    EXPECT_EQ(grid.Pen().Style(), psDot);
+    EXPECT_NE(&grid.Pen(), &source.Pen());
+}
+
+TEST(GridProperties, AssigningSomethingElseRaisesTheAssignmentError) {
+    TvlGrid grid(nullptr);
+    TPen pen;
+    EXPECT_THROW(grid.Assign(&pen), EConvertError);
+    EXPECT_THROW(grid.Assign(nullptr), EConvertError);
+    TShadows shadows;
+    EXPECT_THROW(grid.Assign(&shadows), EConvertError);
+    EXPECT_THROW(shadows.Assign(&grid), EConvertError);
 }
 
 // --- Snapping ----------------------------------------------------------------------------------
@@ -506,6 +538,21 @@ TEST(Shadows, TheBrushIsOwnedAndChangeable) {
     EXPECT_EQ(shadows.Brush().Color(), clNavy);
     EXPECT_EQ(shadows.Brush().Style(), bsCross);
     EXPECT_NE(shadows.Brush().Handle(), nullptr);
+}
+
+TEST(Shadows, AssignCopiesOffsetsAndBrush) {
+    TShadows source;
+    source.SetdX(-3);
+    source.SetdY(12);
+    source.Brush().SetColor(clOlive);
+    source.Brush().SetStyle(bsFDiagonal);
+    TShadows shadows;
+    shadows.Assign(&source);
+    EXPECT_EQ(shadows.dX(), -3);
+    EXPECT_EQ(shadows.dY(), 12);
+    EXPECT_EQ(shadows.Brush().Color(), clOlive);
+    EXPECT_EQ(shadows.Brush().Style(), bsFDiagonal);
+    EXPECT_NE(&shadows.Brush(), &source.Brush());
 }
 
 } // namespace
