@@ -85,20 +85,13 @@ private:
     std::vector<std::uint16_t> FCounters;
 };
 
-// An object of the generator's size that draws in the tool's colours, through the tool's
-// `OnObjectDraw` when the host gives one.
+// An object of the generator's size; it draws in the tool's colours through the tool's
+// `OnObjectDraw`, as every object does.
 class TDemoObj : public vl::TvlObject {
 public:
     explicit TDemoObj(vl::TvlCreator* ATool) : vl::TvlObject(ATool) {}
     std::int32_t GetWidth() override { return Generator()->Width(); }
     std::int32_t GetHeight() override { return Generator()->Height(); }
-    void Draw() override {
-        Tool()->ObjectColors(this);
-        if (Tool()->OnObjectDraw)
-            Tool()->OnObjectDraw(this);
-        else
-            vl::TvlObject::Draw();
-    }
 };
 
 // A creator that makes one object per click, numbered, in the data module, shown at once.
