@@ -164,6 +164,22 @@ void TvlObject::Mark() {
     Drawmark();
 }
 
+TRect TvlObject::HandleRect(TPoint Center) const {
+    const std::int32_t f = Scale().GetTempFrame();
+    return Rect(Center.x - f, Center.y - f, Center.x + f, Center.y + f);
+}
+
+void TvlObject::DrawHandle(TPoint Center) {
+    const TRect r = HandleRect(Center);
+    // The outline of a rectangle leaves out its right and bottom edges; one unit more brings them in.
+    CanvasOf(Scale()).Rectangle(r.Left, r.Top, r.Right + 1, r.Bottom + 1);
+}
+
+bool TvlObject::OnHandle(TPoint Pt, TPoint Center) const {
+    const TRect r = HandleRect(Center);
+    return r.Left <= Pt.x && Pt.x <= r.Right && r.Top <= Pt.y && Pt.y <= r.Bottom;
+}
+
 void TvlObject::DrawShadow() {
     SetWindowOrgEx(CanvasOf(Scale()).Handle(), -GetMinX(), -GetMinY());
     Shape();

@@ -400,6 +400,13 @@ protected:
     void SetYRef(std::int32_t Value);
     // The object's silhouette offset by the draw box's shadow, in the shadow's colours.
     void DrawShade();
+    // Sizing handles, for the classes that offer them in `SizingHandles`. A handle at `Center` (local
+    // coordinates) covers every point within `GetTempFrame` of the scale on each side, edges
+    // included; `DrawHandle` fills that square with the canvas's pen and brush, and `OnHandle` tests
+    // a point against it, so what is drawn and what is hit can't differ.
+    TRect HandleRect(TPoint Center) const;
+    void DrawHandle(TPoint Center);
+    bool OnHandle(TPoint Pt, TPoint Center) const;
     bool IsAnySlave() const { return State.Contains(isSlave) || State.Contains(isP1Slave); }
     // The scale setting in force; raises when there is none.
     static TScaleSetting& Scale();
