@@ -151,6 +151,35 @@ TEST_F(CapListTest, WalksSkipNullEntriesInBothOrders) {
     EXPECT_EQ(backward, (std::vector<int>{3, 1, 0}));
 }
 
+TEST_F(CapListTest, WalkReadsTheCountOnceOnEntry) {
+    TCapList list;
+    FillPlain(list, 2);
+    TLimObj* late = ObjZ(0, 7);
+    int calls = 0;
+    list.AllObjects(
+        [&](TvlObject*, void*) {
+            ++calls;
+            list.Add(late);
+        },
+        &noParam);
+    EXPECT_EQ(calls, 2);
+    EXPECT_EQ(list.Count(), 4);
+}
+
+TEST_F(CapListTest, BackwardWalkMayRemoveTheItemItVisits) {
+    TCapList list;
+    FillPlain(list, 4);
+    std::vector<int> visited;
+    list.AllObjectsBack(
+        [&](TvlObject* o, void*) {
+            visited.push_back(o->ID());
+            list.Remove(o);
+        },
+        &noParam);
+    EXPECT_EQ(visited, (std::vector<int>{3, 2, 1, 0}));
+    EXPECT_EQ(list.Count(), 0);
+}
+
 TEST_F(CapListTest, WalkPassesItsParameterBlockThrough) {
     TCapList list;
     FillPlain(list, 2);
