@@ -29,6 +29,11 @@ public:
     EAbort();
 };
 
+// A call of an operation that a descendant class must provide and does not.
+class EAbstractError : public Exception {
+    using Exception::Exception;
+};
+
 // List index, capacity and count errors of the pointer, string and record lists.
 class EListError : public Exception {
     using Exception::Exception;
@@ -88,6 +93,7 @@ inline constexpr const char* WriteError = "Stream write error";
 inline constexpr const char* DivByZero = "Division by zero";
 inline constexpr const char* ZeroDivide = "Floating point division by zero";
 inline constexpr const char* InvalidOp = "Invalid floating point operation";
+inline constexpr const char* AbstractError = "Abstract Error";
 } // namespace msg
 
 } // namespace vl

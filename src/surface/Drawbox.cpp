@@ -111,7 +111,7 @@ void TCustomDrawBox::Notification(TComponent* AComponent, TOperation Operation) 
 }
 
 void TCustomDrawBox::InstallDataModule() {
-    TvlDataMod* dm = DataModuleFactory ? DataModuleFactory(Owner()) : new TEmptyDataMod(Owner());
+    TvlDataMod* dm = DataModuleFactory ? DataModuleFactory(Owner()) : NewDefaultDataModule(Owner());
     FDataModule = dm;
     dm->FDrawForm = this;
     State.Include(bsOwnDataMod);
