@@ -203,6 +203,24 @@ TEST_F(LayerStreamTest, NameLongerThanTheStreamRaisesAbortWithoutAllocating) {
     }
 }
 
+TEST_F(LayerStreamTest, EveryCutOfALayerStreamRaisesAndLeavesTheLayerAsItWas) {
+    TvlLayer sample;
+    FillSample(sample);
+    const QByteArray bytes = Saved(sample);
+    TvlLayer layer(QString(), 0);
+    layer.Add(ToolC->Make(5));
+    const int living = Living();
+    for (qsizetype cut = 0; cut < bytes.size(); ++cut) {
+        SCOPED_TRACE(cut);
+        auto stream = StreamOf(bytes.left(cut));
+        EXPECT_THROW(layer.LoadFromStream(*stream, Form.get()), Exception);
+        ASSERT_EQ(layer.Count(), 1);
+        EXPECT_EQ(layer[0]->Tool(), ToolC);
+        EXPECT_TRUE(layer.GetName().isEmpty());
+        EXPECT_EQ(Living(), living);
+    }
+}
+
 TEST_F(LayerStreamTest, StreamTooShortForTheNameLengthRaisesAbort) {
     TvlLayer layer;
     auto stream = StreamOf(Hex("0100"));
