@@ -39,6 +39,19 @@ private:
     std::unique_ptr<TMemoryStream> FOpen;
 };
 
+// An object that hangs on a master as a slave, with no offset.
+class TSlaveObj : public TLimObj {
+public:
+    using TLimObj::TLimObj;
+    void Follow(TvlObject* Master) {
+        State.Include(isSlave);
+        Pos.SetConType(Master->ClassNr());
+        Pos.SetConID(Master->ID());
+        Pos.ConObj = Master;
+        Pos.SetRelPos(0);
+    }
+};
+
 // The store fixture with a `TvlDataModule` serving the box.
 class DataModFixture : public StoreFixture {
 protected:
@@ -69,6 +82,16 @@ protected:
         TMemoryStream s;
         Dm->SaveToStream(s);
         return s.Bytes();
+    }
+    // A visible slave of `Tool` numbered `ID` on `Master`, added to the store.
+    TSlaveObj* PutSlave(TStoreCreator* Tool, std::uint16_t ID, TvlObject* Master) {
+        auto* obj = new TSlaveObj(Tool);
+        obj->SetID(ID);
+        obj->State.Include(isVisible);
+        obj->Follow(Master);
+        obj->Lims = Master->GetLimits();
+        Dm->Add(obj, 0);
+        return obj;
     }
     std::vector<TvlObject*> Contents() {
         std::vector<TvlObject*> list;
