@@ -10,13 +10,12 @@
 #pragma once
 
 #include "store/DataModBase.h"
+#include "store/Layer.h"
 
 #include <cstdint>
 #include <memory>
 
 namespace vl {
-
-class TvlLayer;
 
 class TvlDataModule : public TvlDataMod {
 public:

@@ -1,0 +1,282 @@
+// The single-layer store behind a shown draw box: the box installs it, a creator's click stores an
+// object that the next paint draws in z-order, and finding, marking, moving and deleting repaint only
+// what changed.
+
+#include "platform/Controls.h"
+#include "platform/ServiceDoubles.h"
+#include "platform/Services.h"
+#include "store/Vlmm.h"
+#include "surface/Drawbox.h"
+#include "surface/Grid.h"
+#include "surface/ScaleSetting.h"
+#include "tools/CreatorBase.h"
+
+#include <QApplication>
+#include <QTest>
+#include <QWidget>
+#include <QWindow>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace vl::test {
+namespace {
+
+using TDrawLog = std::vector<std::string>;
+
+// A square of `Size` units from its position whose hot area is that square.
+class TBoxSquare : public TvlObject {
+public:
+    explicit TBoxSquare(TvlCreator* ATool) : TvlObject(ATool) {}
+    std::int32_t GetWidth() override { return 20; }
+    std::int32_t GetHeight() override { return 20; }
+    bool Found(const TLimRec& R) override {
+        const TLimRec l = GetLimits();
+        return Visible() && R.Xmin < l.Xmax && R.Xmax > l.Xmin && R.Ymin < l.Ymax && R.Ymax > l.Ymin;
+    }
+};
+
+// A creator that makes one square per click, drawn by its `OnObjectDraw` in a colour of its own;
+// each draw is logged as "<name>#<number>".
+class TBoxSquareCreator : public TvlCreator {
+public:
+    TBoxSquareCreator(TComponent* AOwner, std::string Name, TColor Fill, TDrawLog& Log)
+        : TvlCreator(AOwner), FName(std::move(Name)) {
+        OnObjectDraw = [this, Fill, &Log](TvlObject* Obj) {
+            Log.push_back(FName + "#" + std::to_string(Obj->ID()));
+            TCanvas& c = *ActScaleSet->Canvas();
+            c.Brush().SetColor(Fill);
+            c.Brush().SetStyle(bsSolid);
+            c.FillRect(Rect(0, 0, Obj->GetWidth(), Obj->GetHeight()));
+        };
+    }
+    TCapClass DefaultClass() override { return &NewObjectOf<TBoxSquare>; }
+    TvlObject* SetNewObj(const TPoint& CurPos) override {
+        TvlObject* obj = CreateObject();
+        obj->SetPos(CurPos);
+        obj->Count();
+        ObjectSetData(obj);
+        AddToDataModule(obj);
+        obj->Invalidate();
+        obj->SetVisible(true);
+        return obj;
+    }
+
+private:
+    std::string FName;
+};
+
+class DataModuleBox : public ::testing::Test {
+protected:
+    void SetUp() override {
+        Screen.SetPixelsPerInch(96);
+        Form = std::make_unique<TForm>();
+        Form->SetName(QStringLiteral("Form1"));
+        Form->SetBounds(0, 0, 400, 300);
+        Box = new TvlDrawbox(Form.get());
+        Box->SetName(QStringLiteral("Box1"));
+        Box->SetParent(Form.get());
+        Box->SetBoundsRect(Rect(10, 10, 310, 210));
+        Box->SetColor(clWhite);
+        Box->ScaleSetting().SetMinUnit(TLenUnits::Pixel);
+        Red = AddCreator("red", clRed, 1);
+        Blue = AddCreator("blue", clBlue, 5);
+        Form->BeginLoadingAll();
+        Form->LoadedAll();
+        Dm = dynamic_cast<TvlDataModule*>(Box->DataModule());
+    }
+    void TearDown() override {
+        Form.reset();
+        QApplication::processEvents();
+        Screen.SetPixelsPerInch(0);
+    }
+
+    TBoxSquareCreator* AddCreator(const std::string& Name, TColor Fill, std::int32_t Z) {
+        auto* c = new TBoxSquareCreator(Form.get(), Name, Fill, Draws);
+        c->SetName(QString::fromStdString(Name));
+        c->FDrawForm = Box;
+        c->Generator()->SetZOrder(Z);
+        return c;
+    }
+    void ShowForm() {
+        Form->Activate();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(Form->Widget()));
+        Settle();
+    }
+    static void Settle() {
+        for (int i = 0; i < 3; ++i) QApplication::processEvents();
+    }
+    QPoint InWindow(int X, int Y) const {
+        const int b = Box->BorderWidth();
+        return Box->Widget()->mapTo(Form->Widget(), QPoint(X + b, Y + b));
+    }
+    // A click of the left button with `Tool` current.
+    void Click(TMouseTool* Tool, int X, int Y) {
+        Tool->Activate(Box);
+        QWindow* w = Form->Widget()->windowHandle();
+        QTest::mousePress(w, Qt::LeftButton, {}, InWindow(X, Y));
+        QTest::mouseRelease(w, Qt::LeftButton, {}, InWindow(X, Y));
+        Settle();
+    }
+    QRgb Pixel(int X, int Y) const { return Box->Surface().Image().pixel(X, Y) & 0xFFFFFF; }
+
+    TErrorServiceDouble Errors;
+    TServiceScope<TErrorService> ErrorScope{Errors};
+    TMessageServiceDouble Dialogs;
+    TServiceScope<TMessageService> DialogScope{Dialogs};
+    TCursorServiceDouble Cursor;
+    TServiceScope<TCursorService> CursorScope{Cursor};
+    std::unique_ptr<TForm> Form;
+    TvlDrawbox* Box = nullptr;
+    TvlDataModule* Dm = nullptr;
+    TBoxSquareCreator* Red = nullptr;
+    TBoxSquareCreator* Blue = nullptr;
+    TDrawLog Draws;
+};
+
+constexpr QRgb kWhite = 0xFFFFFF;
+constexpr QRgb kRed = 0xFF0000;
+constexpr QRgb kBlue = 0x0000FF;
+
+TEST_F(DataModuleBox, LoadedInstallsASingleLayerStoreOfItsOwn) {
+    ASSERT_NE(Dm, nullptr);
+    EXPECT_TRUE(Box->State.Contains(bsOwnDataMod));
+    EXPECT_EQ(Dm->FDrawForm, Box);
+    EXPECT_EQ(Dm->Owner(), Form.get());
+    EXPECT_TRUE(Dm->Empty());
+}
+
+TEST_F(DataModuleBox, AClickStoresAnObjectThatTheNextPaintDraws) {
+    ShowForm();
+    ASSERT_NE(Dm, nullptr);
+    Draws.clear();
+    Click(Red, 40, 30);
+    ASSERT_EQ(Dm->GetCount(), 1);
+    TvlObject* obj = Dm->ObjectAt(0, 0);
+    EXPECT_EQ(obj->ID(), 1);
+    EXPECT_EQ(obj->GetPos(), Point(40, 30));
+    EXPECT_EQ(Draws, (TDrawLog{"red#1"}));
+    EXPECT_EQ(Pixel(45, 35), kRed);
+    EXPECT_EQ(Pixel(30, 35), kWhite);
+    EXPECT_EQ(Dm->FRestoreRect, EmptyLimRec);
+}
+
+TEST_F(DataModuleBox, ObjectsPaintInZOrderAndTheFrontOneCoversTheBackOne) {
+    ShowForm();
+    Blue->Generator()->SetCounter(1);
+    Click(Red, 40, 30);
+    Click(Blue, 50, 40); // larger z: further back, although it came later
+    EXPECT_EQ(Dm->ObjectAt(0, 0)->Tool(), Blue);
+    Draws.clear();
+    Box->InvalidateBox();
+    Settle();
+    EXPECT_EQ(Draws, (TDrawLog{"blue#1", "red#1"}));
+    EXPECT_EQ(Pixel(55, 45), kRed);  // overlap: the front one
+    EXPECT_EQ(Pixel(65, 55), kBlue); // the rest of the back one
+}
+
+TEST_F(DataModuleBox, ARepaintAfterAClickIsConfinedToTheNewObject) {
+    ShowForm();
+    Click(Red, 10, 10);
+    Draws.clear();
+    Click(Red, 200, 120);
+    EXPECT_EQ(Draws, (TDrawLog{"red#2"}));
+}
+
+TEST_F(DataModuleBox, AStoredObjectIsFoundUnderTheMouse) {
+    ShowForm();
+    Click(Red, 40, 30);
+    Click(Red, 100, 30);
+    TvlObject* second = Dm->ObjectAt(1, 0);
+    EXPECT_EQ(Dm->FindAt(0, 105, 35), second);
+    TLimRec at = LimRec(45, 35, 46, 36);
+    EXPECT_EQ(
+        Dm->FirstObjectWith([](TvlObject* o, void* p) { return o->Found(*static_cast<TLimRec*>(p)); }, &at),
+        Dm->ObjectAt(0, 0));
+}
+
+TEST_F(DataModuleBox, MarkSelectsAndDeleteObjectsRemovesAndRepaints) {
+    ShowForm();
+    Click(Red, 40, 30);
+    Click(Red, 150, 30);
+    TvlObject* first = Dm->ObjectAt(0, 0);
+    int marked = 0;
+    Dm->OnMarkObject = [&](TvlObject* o) { marked += o == first; };
+    Dm->Mark(first);
+    Settle();
+    EXPECT_EQ(marked, 1);
+    EXPECT_TRUE(first->Selected());
+    EXPECT_EQ(Dm->MarkCount(), 1);
+    Draws.clear();
+    Dm->DeleteObjects();
+    Settle();
+    EXPECT_EQ(Dm->GetCount(), 1);
+    EXPECT_EQ(Dm->ObjectAt(0, 0)->GetPos(), Point(150, 30));
+    EXPECT_EQ(Pixel(45, 35), kWhite);
+    EXPECT_EQ(Pixel(155, 35), kRed);
+    EXPECT_EQ(Draws, TDrawLog{}); // the survivor lies outside the repainted area
+}
+
+TEST_F(DataModuleBox, MoveObjectsMovesTheMarkedObjectsAndFlushes) {
+    ShowForm();
+    Click(Red, 40, 30);
+    Click(Red, 40, 120);
+    TvlObject* first = Dm->ObjectAt(0, 0);
+    Dm->Select(first);
+    Draws.clear();
+    Box->MoveObjects(Point(100, 0));
+    Settle();
+    EXPECT_EQ(first->GetPos(), Point(140, 30));
+    EXPECT_EQ(Dm->ObjectAt(1, 0)->GetPos(), Point(40, 120));
+    EXPECT_EQ(Dm->MarkCount(), 0);
+    EXPECT_FALSE(first->Selected());
+    EXPECT_EQ(Pixel(45, 35), kWhite);
+    EXPECT_EQ(Pixel(145, 35), kRed);
+    EXPECT_EQ(Draws, (TDrawLog{"red#1"}));
+    EXPECT_EQ(Dm->FRestoreRect, EmptyLimRec);
+}
+
+TEST_F(DataModuleBox, ScrollLimitsFollowTheDrawing) {
+    Box->SetAutoScroll(true);
+    ShowForm();
+    const int before = Box->HorzScrollBar().Range();
+    Click(Red, 250, 20);
+    TvlObject* obj = Dm->ObjectAt(0, 0);
+    Dm->Select(obj);
+    Box->MoveObjects(Point(600, 0));
+    // As a tool does after a move: the limits are condemned, and the next paint rebuilds them.
+    Dm->CheckLimits(obj, false);
+    EXPECT_TRUE(Dm->Objects()->State.Contains(lsNewLimits));
+    Settle();
+    EXPECT_EQ(Dm->GetMaxX(), obj->GetMaxLimits().Xmax);
+    EXPECT_FALSE(Box->State.Contains(bsNewRange));
+    EXPECT_GT(Box->HorzScrollBar().Range(), before);
+    EXPECT_GE(Box->HorzScrollBar().Range(), 870);
+}
+
+TEST_F(DataModuleBox, AScaleChangeAdaptsTheObjectsAtTheNextPaint) {
+    ShowForm();
+    Click(Red, 40, 30);
+    Box->State.Exclude(bsNewRange);
+    Box->ScaleSetting().SetScale(2.0);
+    EXPECT_TRUE(Box->State.Contains(bsNewRange));
+    Box->InvalidateBox();
+    Settle();
+    EXPECT_FALSE(Box->State.Contains(bsNewRange));
+    EXPECT_FALSE(Box->ScaleSetting().State.Contains(scChanged));
+}
+
+TEST_F(DataModuleBox, ClearErasesTheDrawing) {
+    ShowForm();
+    Click(Red, 40, 30);
+    Dm->Clear();
+    Settle();
+    EXPECT_TRUE(Dm->Empty());
+    EXPECT_EQ(Pixel(45, 35), kWhite);
+}
+
+} // namespace
+} // namespace vl::test
