@@ -101,6 +101,25 @@ TEST_F(GridBox, TheGridFollowsTheScale) {
     ExpectSurface([](int x, int y) { return x % 50 == 0 || y % 30 == 0 ? Blue : White; });
 }
 
+TEST_F(GridBox, TheLatticePassesThroughTheLogicalOriginWhereverItLies) {
+    // With the origin at the bottom left, logical y grows upward from the viewport origin: the
+    // horizontal lines are counted from there, not from the top of the box.
+    Box->ScaleSetting().SetOrigin(TOrigin::LeftBottom);
+    Grid().SetIncHorz(50);
+    Grid().SetIncVert(40);
+    Grid().Pen().SetColor(clBlue);
+    Grid().SetVisible(true);
+    Start();
+    const TPoint org = Box->ScaleSetting().VPOrg();
+    ASSERT_GT(org.y, 0);
+    ASSERT_NE(org.y % 40, 0) << "the check needs an origin off the top row's lattice";
+    ExpectSurface([org](int x, int y) {
+        const int logX = x - org.x;
+        const int logY = org.y - y;
+        return logX % 50 == 0 || logY % 40 == 0 ? Blue : White;
+    });
+}
+
 TEST_F(GridBox, ObjectsLieOnTopOfTheGrid) {
     Grid().SetIncHorz(50);
     Grid().SetIncVert(50);
