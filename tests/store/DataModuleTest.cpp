@@ -227,6 +227,7 @@ TEST_F(DataModule, SaveSetsSavingOnlyWhileItRuns) {
     InfoboxFactory = [&](TInfoLabel*, TProgressBar*) { return new TWatch(Dm, during); };
     InfoOpen(nullptr, nullptr);
     Dm->SaveToStream(s);
+    InfoClose(); // the watch refers to this test's flag
     EXPECT_TRUE(during);
     EXPECT_FALSE(Dm->State.Contains(dmSaving));
 }
