@@ -123,6 +123,11 @@ TLimRec* TSaveTool::GetRestoreRect() const {
     return dm ? &dm->FRestoreRect : nullptr;
 }
 
+TCapList* TSaveTool::GetMarkSave() const {
+    TvlDataMod* dm = GetDataModule();
+    return dm ? &dm->MarkCase() : nullptr;
+}
+
 TvlObject* TSaveTool::GetMouseFnd() const {
     return FDrawForm ? FDrawForm->MouseFnd() : nullptr;
 }

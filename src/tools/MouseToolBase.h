@@ -116,6 +116,8 @@ protected:
 };
 
 // The tool with a link to the data module and the object under the mouse.
+class TCapList;
+
 class TSaveTool : public TMouseTool {
 public:
     explicit TSaveTool(TComponent* AOwner) : TMouseTool(AOwner) {}
@@ -126,6 +128,10 @@ public:
     // The address of the data module's restore rect.
     TLimRec* GetRestoreRect() const;
     TLimRec* RestoreRect() const { return GetRestoreRect(); }
+    // The marked objects of the data module (its `MarkCase`), read anew at each call; null without a
+    // data module.
+    TCapList* GetMarkSave() const;
+    TCapList* MarkCase() const { return GetMarkSave(); }
     // The object under the mouse, kept by the draw box.
     TvlObject* GetMouseFnd() const;
     void SetMouseFnd(TvlObject* Value);

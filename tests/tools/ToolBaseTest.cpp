@@ -444,9 +444,11 @@ TEST_F(ToolMouseFnd, DataModuleAndRestoreRectAreTheBoxsModulesReadAnew) {
     TLogTool* a = AddLogTool("a");
     EXPECT_EQ(a->DataModule(), DataMod);
     EXPECT_EQ(a->RestoreRect(), &DataMod->FRestoreRect);
+    EXPECT_EQ(a->MarkCase(), &DataMod->MarkCase());
     auto* other = new TToolDataMod(Form.get());
     Box->SetDataModule(other);
     EXPECT_EQ(a->DataModule(), other);
+    EXPECT_EQ(a->MarkCase(), &other->MarkCase());
 }
 
 } // namespace
