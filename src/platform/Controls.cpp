@@ -36,11 +36,11 @@ QRect DeviceOf(const QRect& R, double Ratio) {
     return QRect(left, top, right - left, bottom - top);
 }
 
-// The rectangle in Qt's form, its corners held to +-2^30 so that width and height can't overflow
+// The rectangle in Qt's form, its corners held inside +-2^30 so that width and height can't overflow
 // for rectangles near the ends of the 32-bit range (an untouched restore rect maps there). Every
 // client area lies well inside that bound, so the clamp changes nothing on the surface.
 QRect QRectOf(const TRect& R) {
-    static constexpr std::int32_t Bound = 1 << 30;
+    static constexpr std::int32_t Bound = (1 << 30) - 1;
     const auto c = [](std::int32_t v) { return std::clamp(v, -Bound, Bound); };
     return QRect(c(R.Left), c(R.Top), c(R.Right) - c(R.Left), c(R.Bottom) - c(R.Top));
 }
