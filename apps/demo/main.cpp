@@ -13,7 +13,8 @@
 #include "platform/Controls.h"
 #include "platform/Graphics.h"
 #include "platform/Services.h"
-#include "store/DataModBase.h"
+#include "platform/WinApi.h"
+#include "store/Vlmm.h"
 #include "surface/Drawbox.h"
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
@@ -29,10 +30,8 @@
 
 #include <QAbstractButton>
 
-#include <algorithm>
 #include <cstdio>
 #include <memory>
-#include <vector>
 
 namespace {
 
@@ -49,49 +48,16 @@ void DrawSheet(vl::TCustomDrawBox& Box) {
     canvas.TextOut(2000, 57000, QStringLiteral("Vellorum - scale 1:50, grid 1 m"));
 }
 
-// The host's store of objects: a plain list in z-order that owns what it holds.
-class TDemoDataMod : public vl::TvlDataMod {
-public:
-    explicit TDemoDataMod(vl::TComponent* AOwner) : vl::TvlDataMod(AOwner) {}
-    vl::TLimRec GetLimits() override {
-        vl::TLimRec l = vl::EmptyLimRec;
-        for (const auto& o : FObjects) {
-            const vl::TLimRec r = o->GetLimits();
-            l.Xmin = std::min(l.Xmin, r.Xmin);
-            l.Ymin = std::min(l.Ymin, r.Ymin);
-            l.Xmax = std::max(l.Xmax, r.Xmax);
-            l.Ymax = std::max(l.Ymax, r.Ymax);
-        }
-        return l;
-    }
-    void AllObjects(const vl::TAllObjectsProc& Action, void* Params) override {
-        for (const auto& o : FObjects) Action(o.get(), Params);
-    }
-    void InitLimits() override {}
-    bool Empty() override { return FObjects.empty(); }
-    void LoadFromFile(const QString&) override {}
-    void SaveToFile(const QString&) override {}
-    int MarkCount() const override { return 0; }
-    vl::TvlObject* Marked(int) const override { return nullptr; }
-    void UnSelect(vl::TvlObject*) override {}
-    std::uint16_t IncCounter(std::uint16_t Counter) override {
-        if (Counter >= FCounters.size()) FCounters.resize(Counter + 1u, 0);
-        return ++FCounters[Counter];
-    }
-    void Add(vl::TvlObject* AObject, std::int32_t) override { FObjects.emplace_back(AObject); }
-
-private:
-    std::vector<std::unique_ptr<vl::TvlObject>> FObjects;
-    std::vector<std::uint16_t> FCounters;
-};
-
-// An object of the generator's size; it draws in the tool's colours through the tool's
+// An object of the generator's size, marked by a frame; it draws in the tool's colours through the tool's
 // `OnObjectDraw`, as every object does.
 class TDemoObj : public vl::TvlObject {
 public:
     explicit TDemoObj(vl::TvlCreator* ATool) : vl::TvlObject(ATool) {}
     std::int32_t GetWidth() override { return Generator()->Width(); }
     std::int32_t GetHeight() override { return Generator()->Height(); }
+    // The mark: a frame round the object in the box's mark pen, inside its limits so that a repaint of
+    // its area covers it.
+    void ShapeMark() override { vl::ActScaleSet->Canvas()->Rectangle(0, 0, GetWidth(), GetHeight()); }
 };
 
 // A creator that makes one object per click, numbered, in the data module, shown at once.
@@ -112,10 +78,52 @@ public:
     }
 };
 
-// The tool that does nothing with the mouse: the one a right click returns to.
+// The pointer: a click selects the frontmost object under the mouse and draws its mark (with Shift
+// it joins the selection, or leaves it when it was in it already); a click on empty paper clears the
+// selection. The Delete key deletes the marked objects. A right click in any other tool comes back
+// here.
 class TDemoPointer : public vl::TSaveTool {
 public:
     explicit TDemoPointer(vl::TComponent* AOwner) : vl::TSaveTool(AOwner) {}
+
+    // The box's own single-layer store, or null before the box has installed it.
+    vl::TvlDataModule* Store() const { return dynamic_cast<vl::TvlDataModule*>(DataModule()); }
+
+    void LMouseDown(vl::TShiftState Shift, const vl::TPoint& CurPos) override {
+        vl::TvlDataModule* dm = Store();
+        if (!dm) return;
+        vl::TvlObject* hit = nullptr;
+        if (!dm->Empty()) {
+            // The unit square at the point, as the store's own search builds it; the last object in
+            // z-order that accepts it is the one painted on top.
+            vl::TLimRec at = vl::LimRec(CurPos.x, CurPos.y, CurPos.x + 1, CurPos.y + 1);
+            hit = dm->LastObjectWith(
+                [](vl::TvlObject* Obj, void* Params) {
+                    return Obj->Found(*static_cast<vl::TLimRec*>(Params));
+                },
+                &at);
+        }
+        if (Shift.Contains(vl::ssShift)) {
+            if (!hit) return;
+            if (hit->Selected())
+                dm->UnSelect(hit);
+            else
+                dm->Mark(hit);
+            return;
+        }
+        if (hit && hit->Selected() && dm->MarkCount() == 1) return;
+        if (dm->MarkCount() > 0) dm->UnmarkAll();
+        if (hit) dm->Mark(hit);
+    }
+
+    bool KeyDown(std::uint16_t& aKey, vl::TShiftState aShift) override {
+        (void)aShift;
+        vl::TvlDataModule* dm = Store();
+        if (aKey != vl::VK_DELETE || !dm || dm->MarkCount() == 0) return false;
+        // Deletes what is marked and flushes the restore rect that the deleted objects grew.
+        dm->DeleteObjects();
+        return true;
+    }
 };
 
 // A palette button that shows whether its tool is current.
@@ -204,12 +212,6 @@ int main(int argc, char** argv) {
         canvas.TextOut(400, Obj->GetHeight() - 600, QStringLiteral("#%1").arg(Obj->ID()));
     };
 
-    // Made after the creators, so that it and its objects go before them: objects refer to their tools.
-    auto* dataModule = new TDemoDataMod(&form);
-    dataModule->SetName(QStringLiteral("DataModule1"));
-    dataModule->SetDrawForm(box);
-    box->SetDataModule(dataModule);
-
     PaletteButton(form, *pointer, QStringLiteral("Pointer"), 0);
     PaletteButton(form, *circles, QStringLiteral("Circles"), 1);
     PaletteButton(form, *boxes, QStringLiteral("Boxes"), 2);
@@ -220,22 +222,39 @@ int main(int argc, char** argv) {
     box->ScaleSetting().SetVPHome(vl::Point(40, box->ClientHeight() - 40));
     box->ScaleSetting().SetVPOrg(box->ScaleSetting().VPHome());
 
-    if (!screenshot.isEmpty()) {
-        // What a user would do with the palette: pick a creator and click in the drawing.
-        static_cast<vl::TSpeedButton*>(circles->Button())->Click();
-        for (int i = 0; i < 4; ++i) circles->SetNewObj(vl::Point(6000 + i * 9000, 30000 + (i % 2) * 8000));
-        static_cast<vl::TSpeedButton*>(boxes->Button())->Click();
-        boxes->SetNewObj(vl::Point(10000, 10000));
-        boxes->SetNewObj(vl::Point(40000, 14000));
-    }
-
     if (screenshot.isEmpty()) {
         form.Activate();
         return app.exec();
     }
 
+    // What a user would do with the palette: pick a creator and click in the drawing, then pick the
+    // pointer, select an object and delete it with the Delete key, and select another one.
     form.Show();
     QApplication::processEvents();
+    static_cast<vl::TSpeedButton*>(circles->Button())->Click();
+    for (int i = 0; i < 4; ++i) circles->SetNewObj(vl::Point(6000 + i * 9000, 30000 + (i % 2) * 8000));
+    static_cast<vl::TSpeedButton*>(boxes->Button())->Click();
+    boxes->SetNewObj(vl::Point(10000, 10000));
+    vl::TvlObject* kept = boxes->SetNewObj(vl::Point(40000, 14000));
+    vl::TvlObject* doomed = boxes->SetNewObj(vl::Point(62000, 8000));
+    box->InvalidateRestoreRect();
+    QApplication::processEvents();
+
+    static_cast<vl::TSpeedButton*>(pointer->Button())->Click();
+    const auto centre = [](vl::TvlObject* Obj) {
+        const vl::TLimRec l = Obj->GetLimits();
+        return vl::Point((l.Xmin + l.Xmax) / 2, (l.Ymin + l.Ymax) / 2);
+    };
+    pointer->LMouseDown(vl::TShiftState{}, centre(doomed));
+    std::uint16_t key = vl::VK_DELETE;
+    const bool deleted = pointer->KeyDown(key, vl::TShiftState{});
+    pointer->LMouseDown(vl::TShiftState{}, centre(kept));
+    QApplication::processEvents();
+    vl::TvlDataModule* store = pointer->Store();
+    std::printf("vellorum_demo: %d objects, %d marked (#%d)%s\n", store ? store->GetCount() : 0,
+                store ? store->MarkCount() : 0, store && store->MarkCount() > 0 ? store->Marked(0)->ID() : 0,
+                deleted ? ", one deleted with the Delete key" : "");
+
     box->Invalidate();
     box->Update();
     const QImage picture = form.Widget()->grab().toImage();
