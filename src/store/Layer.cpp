@@ -5,6 +5,7 @@
 #include "output/Infobox.h"
 #include "platform/Codepage.h"
 #include "platform/Exceptions.h"
+#include "platform/Menus.h"
 #include "platform/Streams.h"
 #include "store/DataModBase.h"
 #include "store/FileHeader.h"
@@ -245,8 +246,8 @@ void TvlLayer::SetVisible(bool Value) {
 }
 
 void TvlLayer::Switch(TObject* Sender) {
-    (void)Sender;
     SetVisible(!Visible());
+    if (auto* item = dynamic_cast<TMenuItem*>(Sender)) item->SetChecked(Visible());
 }
 
 void TvlLayer::SetName(const QString& Value) {

@@ -3,6 +3,9 @@
 
 #include "StoreTestSupport.h"
 #include "platform/Exceptions.h"
+#include "platform/Menus.h"
+
+#include <QAction>
 
 #include <gtest/gtest.h>
 
@@ -441,6 +444,19 @@ TEST_F(LayerTest, SwitchInvertsVisibility) {
     EXPECT_FALSE(layer.Visible());
     layer.Switch(Form.get());
     EXPECT_TRUE(layer.Visible());
+}
+
+TEST_F(LayerTest, SwitchFromAMenuItemSetsItsCheckMarkToTheNewVisibility) {
+    TvlLayer layer;
+    TMenuItem item(nullptr);
+    item.SetChecked(true);
+    item.OnClick = [&layer](TObject* Sender) { layer.Switch(Sender); };
+    item.Click();
+    EXPECT_FALSE(layer.Visible());
+    EXPECT_FALSE(item.Checked());
+    item.Action()->trigger();
+    EXPECT_TRUE(layer.Visible());
+    EXPECT_TRUE(item.Checked());
 }
 
 TEST_F(LayerTest, InvalidateOfAnEmptyLayerDoesNothing) {
