@@ -419,6 +419,9 @@ public:
     void SetControl(TWinControl* AControl);
     // Drops the context that the control gave, if any.
     void FreeHandle();
+    // Runs `Paint` with the canvas on the paint context `DC`, and takes the context away again
+    // afterwards, also when `Paint` raises.
+    void PaintOn(HDC DC, const std::function<void()>& Paint);
 
 protected:
     void CreateHandle() override;

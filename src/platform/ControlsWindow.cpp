@@ -107,6 +107,15 @@ void TControlCanvas::FreeHandle() {
     }
 }
 
+void TControlCanvas::PaintOn(HDC DC, const std::function<void()>& Paint) {
+    SetHandle(DC);
+    struct TRelease {
+        TControlCanvas* Canvas;
+        ~TRelease() { Canvas->SetHandle(nullptr); }
+    } release{this};
+    Paint();
+}
+
 void TControlCanvas::CreateHandle() {
     if (!FControl) return;
     if (!FDeviceContext) FDeviceContext = FControl->GetDeviceContext();
@@ -121,12 +130,7 @@ TCustomControl::~TCustomControl() {
 }
 
 void TCustomControl::PaintWindow(HDC DC) {
-    FCanvas->SetHandle(DC);
-    struct TRelease {
-        TControlCanvas* Canvas;
-        ~TRelease() { Canvas->SetHandle(nullptr); }
-    } release{FCanvas.get()};
-    Paint();
+    FCanvas->PaintOn(DC, [this] { Paint(); });
 }
 
 // ---------------------------------------------------------------------------------------------

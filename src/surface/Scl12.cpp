@@ -346,12 +346,7 @@ TScrollPaint::~TScrollPaint() {
 }
 
 void TScrollPaint::PaintWindow(HDC DC) {
-    FCanvas->SetHandle(DC);
-    struct TRelease {
-        TControlCanvas* Canvas;
-        ~TRelease() { Canvas->SetHandle(nullptr); }
-    } release{FCanvas.get()};
-    Paint();
+    FCanvas->PaintOn(DC, [this] { Paint(); });
 }
 
 void TScrollPaint::WMPaint(TMessage& Message) {
