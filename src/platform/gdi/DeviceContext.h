@@ -34,6 +34,9 @@ struct TDcState {
 
 class TDeviceContext {
 public:
+    // Whether `dc` is a context that exists now; every public operation checks its handle so.
+    static bool IsLive(HDC dc);
+
     TDeviceContext(std::unique_ptr<gdi::TDeviceBackend> backend, bool memory);
     ~TDeviceContext();
 
