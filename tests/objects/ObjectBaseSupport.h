@@ -10,6 +10,7 @@
 #include "platform/Streams.h"
 #include "store/DataModBase.h"
 #include "store/FileHeader.h"
+#include "support/FormFixture.h"
 #include "surface/Drawbox.h"
 #include "surface/ScaleSetting.h"
 #include "tools/CreatorBase.h"
@@ -140,7 +141,7 @@ public:
 
 // A form with one draw box, a data module and two creators (IDs -5 and -6); the box's scale setting
 // is in force and `FileHeader` is in the current form.
-class ObjectFixture : public ::testing::Test {
+class ObjectFixture : public FormFixture {
 protected:
     void SetUp() override {
         Screen.SetPixelsPerInch(96);
@@ -186,7 +187,6 @@ protected:
     TServiceScope<TMessageService> DialogScope{Dialogs};
     TCursorServiceDouble Cursor;
     TServiceScope<TCursorService> CursorScope{Cursor};
-    std::unique_ptr<TForm> Form;
     TvlDrawbox* Box = nullptr;
     TObjTestDataMod* Store = nullptr;
     TObjTestCreator* ToolA = nullptr;

@@ -14,6 +14,7 @@
 #include "platform/Services.h"
 #include "platform/Streams.h"
 #include "store/DataModBase.h"
+#include "support/FormFixture.h"
 #include "surface/Drawbox.h"
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
@@ -214,7 +215,7 @@ public:
 // A form with one shown draw box at (10, 10), 300 by 200 pixels, white, logical units of one pixel
 // with the origin at the top left, a paint data module and one creator (ID -3) with a black pen of
 // width 1 and a solid blue brush.
-class PaintFixture : public ::testing::Test {
+class PaintFixture : public FormFixture {
 protected:
     void SetUp() override {
         Screen.SetPixelsPerInch(96);
@@ -258,9 +259,6 @@ protected:
 
     TCustomGenerator& Gen() { return *Tool->Generator(); }
     TCanvas& Canvas() { return *Box->ScaleSetting().Canvas(); }
-    static void Settle() {
-        for (int i = 0; i < 3; ++i) QApplication::processEvents();
-    }
     // Repaints the whole box now.
     void PaintAll() {
         Box->InvalidateBox();
@@ -285,7 +283,6 @@ protected:
             Form->Widget()->screen()->grabWindow(Form->Widget()->winId(), p.x(), p.y(), 1, 1).toImage();
         return shot.pixel(0, 0) & 0xFFFFFF;
     }
-    QWindow* Window() const { return Form->Widget()->windowHandle(); }
 
     TErrorServiceDouble Errors;
     TServiceScope<TErrorService> ErrorScope{Errors};
@@ -293,7 +290,6 @@ protected:
     TServiceScope<TMessageService> DialogScope{Dialogs};
     TCursorServiceDouble Cursor;
     TServiceScope<TCursorService> CursorScope{Cursor};
-    std::unique_ptr<TForm> Form;
     TvlDrawbox* Box = nullptr;
     TPaintDataMod* Store = nullptr;
     TPaintCreator* Tool = nullptr;

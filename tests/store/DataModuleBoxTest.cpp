@@ -6,6 +6,7 @@
 #include "platform/ServiceDoubles.h"
 #include "platform/Services.h"
 #include "store/Vlmm.h"
+#include "support/FormFixture.h"
 #include "surface/Drawbox.h"
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
@@ -69,7 +70,7 @@ private:
     std::string FName;
 };
 
-class DataModuleBox : public ::testing::Test {
+class DataModuleBox : public FormFixture {
 protected:
     void SetUp() override {
         Screen.SetPixelsPerInch(96);
@@ -101,14 +102,6 @@ protected:
         c->Generator()->SetZOrder(Z);
         return c;
     }
-    void ShowForm() {
-        Form->Activate();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(Form->Widget()));
-        Settle();
-    }
-    static void Settle() {
-        for (int i = 0; i < 3; ++i) QApplication::processEvents();
-    }
     QPoint InWindow(int X, int Y) const {
         const int b = Box->BorderWidth();
         return Box->Widget()->mapTo(Form->Widget(), QPoint(X + b, Y + b));
@@ -129,7 +122,6 @@ protected:
     TServiceScope<TMessageService> DialogScope{Dialogs};
     TCursorServiceDouble Cursor;
     TServiceScope<TCursorService> CursorScope{Cursor};
-    std::unique_ptr<TForm> Form;
     TvlDrawbox* Box = nullptr;
     TvlDataModule* Dm = nullptr;
     TBoxSquareCreator* Red = nullptr;

@@ -12,6 +12,7 @@
 #include "platform/Streams.h"
 #include "store/DataModBase.h"
 #include "store/FileHeader.h"
+#include "support/FormFixture.h"
 #include "surface/Drawbox.h"
 #include "surface/ScaleSetting.h"
 #include "tools/CreatorBase.h"
@@ -101,7 +102,7 @@ private:
 
 // A form with one draw box whose scale setting is in force, a data module and three creators: ToolA
 // (ID -5), ToolB (ID -6) and ToolC (ID -7). `FileHeader` is in the current form.
-class StoreFixture : public ::testing::Test {
+class StoreFixture : public FormFixture {
 protected:
     void SetUp() override {
         Screen.SetPixelsPerInch(96);
@@ -157,7 +158,6 @@ protected:
     TServiceScope<TMessageService> DialogScope{Dialogs};
     TCursorServiceDouble Cursor;
     TServiceScope<TCursorService> CursorScope{Cursor};
-    std::unique_ptr<TForm> Form;
     TvlDrawbox* Box = nullptr;
     TStoreTestDataMod* Store = nullptr;
     TStoreCreator* ToolA = nullptr;

@@ -8,6 +8,7 @@
 #include "platform/ServiceDoubles.h"
 #include "platform/Services.h"
 #include "store/DataModBase.h"
+#include "support/FormFixture.h"
 #include "surface/Drawbox.h"
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
@@ -149,7 +150,7 @@ public:
 };
 
 // A form with one draw box (pixels as logical units, origin top left) and a data module.
-class ToolFixture : public ::testing::Test {
+class ToolFixture : public FormFixture {
 protected:
     void SetUp() override {
         Screen.SetPixelsPerInch(96);
@@ -186,19 +187,6 @@ protected:
         if (Default) tool->SetOptions(TToolOptions{toDefaultTool});
         return tool;
     }
-    void LoadForm() {
-        Form->BeginLoadingAll();
-        Form->LoadedAll();
-    }
-    void ShowForm() {
-        Form->Activate();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(Form->Widget()));
-        Settle();
-    }
-    static void Settle() {
-        for (int i = 0; i < 3; ++i) QApplication::processEvents();
-    }
-    QWindow* Window() const { return Form->Widget()->windowHandle(); }
     QPoint InWindow(int X, int Y) const {
         const int b = Box->BorderWidth();
         return Box->Widget()->mapTo(Form->Widget(), QPoint(X + b, Y + b));
@@ -215,7 +203,6 @@ protected:
     TServiceScope<TMessageService> DialogScope{Dialogs};
     TCursorServiceDouble Cursor;
     TServiceScope<TCursorService> CursorScope{Cursor};
-    std::unique_ptr<TForm> Form;
     TvlDrawbox* Box = nullptr;
     TToolDataMod* DataMod = nullptr;
     TLog Log;

@@ -5,6 +5,7 @@
 #include "platform/Controls.h"
 #include "platform/ServiceDoubles.h"
 #include "platform/Services.h"
+#include "support/FormFixture.h"
 
 #include <QApplication>
 #include <QScreen>
@@ -84,7 +85,7 @@ protected:
 
 // A shown, active form with one recording control at (10, 10), 200 x 150, and error and dialog
 // doubles installed.
-class WindowFixture : public ::testing::Test {
+class WindowFixture : public FormFixture {
 protected:
     void SetUp() override {
         Form = std::make_unique<TForm>();
@@ -103,12 +104,6 @@ protected:
         QApplication::processEvents();
     }
 
-    // Delivers pending events, paints included.
-    static void Settle() {
-        for (int i = 0; i < 3; ++i) QApplication::processEvents();
-    }
-
-    QWindow* Window() const { return Form->Widget()->windowHandle(); }
     // A point of the control's client area in the window's coordinates.
     QPoint InWindow(int X, int Y) const { return Control->Widget()->mapTo(Form->Widget(), QPoint(X, Y)); }
 
@@ -126,7 +121,6 @@ protected:
     TServiceScope<TErrorService> ErrorScope{Errors};
     TMessageServiceDouble Dialogs;
     TServiceScope<TMessageService> DialogScope{Dialogs};
-    std::unique_ptr<TForm> Form;
     TRecordingControl* Control = nullptr;
 };
 

@@ -6,6 +6,7 @@
 #include "platform/ServiceDoubles.h"
 #include "platform/Services.h"
 #include "store/DataModBase.h"
+#include "support/FormFixture.h"
 #include "surface/Drawbox.h"
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
@@ -182,7 +183,7 @@ public:
 };
 
 // A form with draw boxes; boxes are made with `MakeBox` before `LoadForm`, as a host does.
-class BoxFixture : public ::testing::Test {
+class BoxFixture : public FormFixture {
 protected:
     void SetUp() override {
         Screen.SetPixelsPerInch(96);
@@ -204,19 +205,6 @@ protected:
         box->SetColor(clWhite);
         return box;
     }
-    void LoadForm() {
-        Form->BeginLoadingAll();
-        Form->LoadedAll();
-    }
-    void ShowForm() {
-        Form->Activate();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(Form->Widget()));
-        Settle();
-    }
-    static void Settle() {
-        for (int i = 0; i < 3; ++i) QApplication::processEvents();
-    }
-    QWindow* Window() const { return Form->Widget()->windowHandle(); }
     // A client point of a box in the window's coordinates.
     QPoint InWindow(TWinControl* Box, int X, int Y) const {
         const int b = Box->BorderWidth();
@@ -232,7 +220,6 @@ protected:
     TServiceScope<TMessageService> DialogScope{Dialogs};
     TCursorServiceDouble Cursor;
     TServiceScope<TCursorService> CursorScope{Cursor};
-    std::unique_ptr<TForm> Form;
 };
 
 } // namespace vl::test

@@ -1,0 +1,42 @@
+// The base of the tests that put components and controls on a host form shown on an offscreen
+// window: the form itself, its loading as the form's streaming would do it, showing and activating
+// it (focus works offscreen only on an active window), and letting Qt's queued events run.
+#pragma once
+
+#include "platform/Controls.h"
+
+#include <QApplication>
+#include <QTest>
+#include <QWidget>
+#include <QWindow>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace vl::test {
+
+class FormFixture : public ::testing::Test {
+protected:
+    // `Loaded` of the form and then of every component, in creation order.
+    void LoadForm() {
+        Form->BeginLoadingAll();
+        Form->LoadedAll();
+    }
+    // Shows and activates the form and lets the first paints run.
+    void ShowForm() {
+        Form->Activate();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(Form->Widget()));
+        Settle();
+    }
+    // Delivers pending events, paints included.
+    static void Settle() {
+        for (int i = 0; i < 3; ++i) QApplication::processEvents();
+    }
+    QWindow* Window() const { return Form->Widget()->windowHandle(); }
+
+    // Made by the fixtures' `SetUp`; freed in their `TearDown`.
+    std::unique_ptr<TForm> Form;
+};
+
+} // namespace vl::test
