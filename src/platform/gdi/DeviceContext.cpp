@@ -88,32 +88,34 @@ TDeviceContext::~TDeviceContext() {
     if (FDefaultBitmap) DeleteObject(FDefaultBitmap);
 }
 
+namespace {
+// One axis of the mapping: `to` origin + (v - `from` origin) * `to` extent / `from` extent, rounded
+// half away from zero; equal extents map by the origins alone.
+std::int32_t MapAxis(std::int64_t v, std::int32_t fromOrg, std::int32_t toOrg, std::int32_t fromExt,
+                     std::int32_t toExt) {
+    if (fromExt == toExt) return Clamp32(Int128(toOrg) + v - fromOrg);
+    return Clamp32(toOrg + RoundDiv((Int128(v) - fromOrg) * toExt, fromExt));
+}
+} // namespace
+
 std::int32_t TDeviceContext::LogToDevX(std::int64_t x) const {
     const TDcState& s = FState;
-    if (s.ViewportExt.cx == s.WindowExt.cx) return Clamp32(Int128(s.ViewportOrg.x) + x - s.WindowOrg.x);
-    return Clamp32(s.ViewportOrg.x +
-                   RoundDiv((Int128(x) - s.WindowOrg.x) * s.ViewportExt.cx, s.WindowExt.cx));
+    return MapAxis(x, s.WindowOrg.x, s.ViewportOrg.x, s.WindowExt.cx, s.ViewportExt.cx);
 }
 
 std::int32_t TDeviceContext::LogToDevY(std::int64_t y) const {
     const TDcState& s = FState;
-    if (s.ViewportExt.cy == s.WindowExt.cy) return Clamp32(Int128(s.ViewportOrg.y) + y - s.WindowOrg.y);
-    return Clamp32(s.ViewportOrg.y +
-                   RoundDiv((Int128(y) - s.WindowOrg.y) * s.ViewportExt.cy, s.WindowExt.cy));
+    return MapAxis(y, s.WindowOrg.y, s.ViewportOrg.y, s.WindowExt.cy, s.ViewportExt.cy);
 }
 
 std::int32_t TDeviceContext::DevToLogX(std::int64_t x) const {
     const TDcState& s = FState;
-    if (s.ViewportExt.cx == s.WindowExt.cx) return Clamp32(Int128(s.WindowOrg.x) + x - s.ViewportOrg.x);
-    return Clamp32(s.WindowOrg.x +
-                   RoundDiv((Int128(x) - s.ViewportOrg.x) * s.WindowExt.cx, s.ViewportExt.cx));
+    return MapAxis(x, s.ViewportOrg.x, s.WindowOrg.x, s.ViewportExt.cx, s.WindowExt.cx);
 }
 
 std::int32_t TDeviceContext::DevToLogY(std::int64_t y) const {
     const TDcState& s = FState;
-    if (s.ViewportExt.cy == s.WindowExt.cy) return Clamp32(Int128(s.WindowOrg.y) + y - s.ViewportOrg.y);
-    return Clamp32(s.WindowOrg.y +
-                   RoundDiv((Int128(y) - s.ViewportOrg.y) * s.WindowExt.cy, s.ViewportExt.cy));
+    return MapAxis(y, s.ViewportOrg.y, s.WindowOrg.y, s.ViewportExt.cy, s.WindowExt.cy);
 }
 
 std::int64_t TDeviceContext::LengthToDevX(std::int64_t w) const {
