@@ -144,13 +144,8 @@ public:
 class ObjectFixture : public FormFixture {
 protected:
     void SetUp() override {
-        Screen.SetPixelsPerInch(96);
-        Form = std::make_unique<TForm>();
-        Form->SetName(QStringLiteral("Form1"));
-        Box = new TvlDrawbox(Form.get());
-        Box->SetName(QStringLiteral("Box1"));
-        Box->SetParent(Form.get());
-        Box->SetBoundsRect(Rect(0, 0, 300, 200));
+        NewForm();
+        Box = NewBox(Rect(0, 0, 300, 200));
         Store = new TObjTestDataMod(Form.get());
         Box->SetDataModule(Store);
         Store->SetDrawForm(Box);

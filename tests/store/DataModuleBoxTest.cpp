@@ -73,14 +73,8 @@ private:
 class DataModuleBox : public FormFixture {
 protected:
     void SetUp() override {
-        Screen.SetPixelsPerInch(96);
-        Form = std::make_unique<TForm>();
-        Form->SetName(QStringLiteral("Form1"));
-        Form->SetBounds(0, 0, 400, 300);
-        Box = new TvlDrawbox(Form.get());
-        Box->SetName(QStringLiteral("Box1"));
-        Box->SetParent(Form.get());
-        Box->SetBoundsRect(Rect(10, 10, 310, 210));
+        NewForm(Bounds(0, 0, 400, 300));
+        Box = NewBox(Rect(10, 10, 310, 210));
         Box->SetColor(clWhite);
         Box->ScaleSetting().SetMinUnit(TLenUnits::Pixel);
         Red = AddCreator("red", clRed, 1);

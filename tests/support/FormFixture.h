@@ -4,6 +4,8 @@
 #pragma once
 
 #include "platform/Controls.h"
+#include "platform/Services.h"
+#include "surface/Drawbox.h"
 
 #include <QApplication>
 #include <QTest>
@@ -18,6 +20,21 @@ namespace vl::test {
 
 class FormFixture : public ::testing::Test {
 protected:
+    // The form "Form1" at 96 pixels per inch; `Bounds` are set unless empty.
+    void NewForm(TRect Bounds = {}) {
+        Screen.SetPixelsPerInch(96);
+        Form = std::make_unique<TForm>();
+        Form->SetName(QStringLiteral("Form1"));
+        if (Bounds != TRect{}) Form->SetBoundsRect(Bounds);
+    }
+    // The draw box "Box1" on the form.
+    TvlDrawbox* NewBox(TRect Bounds) {
+        auto* box = new TvlDrawbox(Form.get());
+        box->SetName(QStringLiteral("Box1"));
+        box->SetParent(Form.get());
+        box->SetBoundsRect(Bounds);
+        return box;
+    }
     // `Loaded` of the form and then of every component, in creation order.
     void LoadForm() {
         Form->BeginLoadingAll();

@@ -185,12 +185,7 @@ public:
 // A form with draw boxes; boxes are made with `MakeBox` before `LoadForm`, as a host does.
 class BoxFixture : public FormFixture {
 protected:
-    void SetUp() override {
-        Screen.SetPixelsPerInch(96);
-        Form = std::make_unique<TForm>();
-        Form->SetName(QStringLiteral("Form1"));
-        Form->SetBounds(0, 0, 640, 480);
-    }
+    void SetUp() override { NewForm(Bounds(0, 0, 640, 480)); }
     void TearDown() override {
         Form.reset();
         QApplication::processEvents();
