@@ -7,8 +7,8 @@
 // objects are made, divided by their number. After the benchmarks a direct best-of-five timing prints
 // the figures and the ratio ours / QPainter.
 
-#include "platform/Controls.h"
-#include "platform/Graphics.h"
+#include "platform/graphics/Graphics.h"
+#include "platform/window/Controls.h"
 #include "store/Vlmm.h"
 #include "surface/Drawbox.h"
 #include "surface/ScaleSetting.h"

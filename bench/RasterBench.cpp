@@ -3,7 +3,7 @@
 // platform's exact rules (excluded end points and edges, per-pixel raster modes); QPainter is the
 // peer. After the benchmarks, a direct best-of-five timing prints the ratio ours / QPainter.
 
-#include "platform/Gdi.h"
+#include "platform/gdi/Gdi.h"
 
 #include <QImage>
 #include <QPainter>

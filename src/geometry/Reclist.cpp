@@ -1,8 +1,8 @@
 #include "geometry/Reclist.h"
 
-#include "platform/Exceptions.h"
-#include "platform/Numerics.h"
-#include "platform/Streams.h"
+#include "platform/core/Exceptions.h"
+#include "platform/core/Numerics.h"
+#include "platform/core/Streams.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,9 +1,9 @@
 #include "geometry/Vlprocs.h"
 
-#include "platform/Codepage.h"
-#include "platform/Exceptions.h"
-#include "platform/Numerics.h"
-#include "platform/Streams.h"
+#include "platform/core/Codepage.h"
+#include "platform/core/Exceptions.h"
+#include "platform/core/Numerics.h"
+#include "platform/core/Streams.h"
 
 #include <QByteArray>
 

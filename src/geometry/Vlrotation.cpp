@@ -1,7 +1,7 @@
 #include "geometry/Vlrotation.h"
 
-#include "platform/Exceptions.h"
-#include "platform/Streams.h"
+#include "platform/core/Exceptions.h"
+#include "platform/core/Streams.h"
 
 #include <cstring>
 

@@ -1,6 +1,6 @@
 #include "geometry/Vltypes.h"
 
-#include "platform/Exceptions.h"
+#include "platform/core/Exceptions.h"
 
 #include <utility>
 

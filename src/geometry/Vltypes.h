@@ -7,7 +7,7 @@
 // the caller with `DeletePoly`.
 #pragma once
 
-#include "platform/Types.h"
+#include "platform/core/Types.h"
 
 #include <cstdint>
 

@@ -2,8 +2,8 @@
 
 #include "objects/Generators.h"
 
-#include "platform/Exceptions.h"
-#include "platform/Services.h"
+#include "platform/core/Exceptions.h"
+#include "platform/services/Services.h"
 #include "surface/ScaleSetting.h"
 
 #include <cstdlib>

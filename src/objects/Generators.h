@@ -10,12 +10,12 @@
 #pragma once
 
 #include "geometry/Vltypes.h"
-#include "platform/Classes.h"
-#include "platform/Gdi.h"
-#include "platform/Graphics.h"
-#include "platform/Images.h"
-#include "platform/Sets.h"
-#include "platform/Streams.h"
+#include "platform/core/Classes.h"
+#include "platform/core/Sets.h"
+#include "platform/core/Streams.h"
+#include "platform/gdi/Gdi.h"
+#include "platform/graphics/Graphics.h"
+#include "platform/graphics/Images.h"
 
 #include <cstdint>
 #include <memory>

@@ -3,9 +3,9 @@
 #include "objects/TvlObject.h"
 
 #include "objects/Generators.h"
-#include "platform/Exceptions.h"
-#include "platform/Graphics.h"
-#include "platform/Images.h"
+#include "platform/core/Exceptions.h"
+#include "platform/graphics/Graphics.h"
+#include "platform/graphics/Images.h"
 #include "store/DataModBase.h"
 #include "surface/Drawbox.h"
 #include "surface/Grid.h"

@@ -2,13 +2,13 @@
 // from which every class builds its own `Persist`.
 #include "objects/TvlObject.h"
 
+#include "geometry/FileHeader.h"
 #include "geometry/Vlprocs.h"
-#include "platform/Exceptions.h"
-#include "platform/Graphics.h"
-#include "platform/Images.h"
-#include "platform/Streams.h"
+#include "platform/core/Exceptions.h"
+#include "platform/core/Streams.h"
+#include "platform/graphics/Graphics.h"
+#include "platform/graphics/Images.h"
 #include "store/DataModBase.h"
-#include "store/FileHeader.h"
 
 #include <limits>
 
@@ -45,27 +45,6 @@ void SkipBytes(TStream& Stream, std::int64_t Count) {
 }
 
 } // namespace
-
-// --- File header --------------------------------------------------------------------------------
-
-void WriteFileHeader(TStream& Stream, const TvlFileHeader& Header) {
-    Stream.WriteInt16(Header.Vellorum);
-    Stream.WriteUInt16(Header.Padding);
-    Stream.WriteUInt32(Header.AppID);
-    Stream.WriteUInt32(Header.AppVersion);
-    Stream.WriteInt32(Header.Delphi);
-}
-
-TvlFileHeader ReadFileHeader(TStream& Stream) {
-    if (Stream.Remaining() < 16) throw EReadError(QStringLiteral("Stream read error"));
-    TvlFileHeader h;
-    h.Vellorum = Stream.ReadInt16();
-    h.Padding = Stream.ReadUInt16();
-    h.AppID = Stream.ReadUInt32();
-    h.AppVersion = Stream.ReadUInt32();
-    h.Delphi = Stream.ReadInt32();
-    return h;
-}
 
 // --- The base record ------------------------------------------------------------------------------
 

@@ -3,8 +3,8 @@
 #include "objects/TvlObject.h"
 
 #include "objects/Generators.h"
-#include "platform/Exceptions.h"
-#include "platform/Graphics.h"
+#include "platform/core/Exceptions.h"
+#include "platform/graphics/Graphics.h"
 #include "store/DataModBase.h"
 #include "surface/Drawbox.h"
 #include "surface/Grid.h"

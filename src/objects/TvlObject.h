@@ -19,9 +19,9 @@
 
 #include "geometry/Reclist.h"
 #include "geometry/Vltypes.h"
-#include "platform/Classes.h"
-#include "platform/Gdi.h"
-#include "platform/Sets.h"
+#include "platform/core/Classes.h"
+#include "platform/core/Sets.h"
+#include "platform/gdi/Gdi.h"
 
 #include <QString>
 

@@ -2,7 +2,7 @@
 #include "store/CapList.h"
 
 #include "objects/Generators.h"
-#include "platform/Streams.h"
+#include "platform/core/Streams.h"
 
 #include <algorithm>
 

@@ -11,8 +11,8 @@
 #pragma once
 
 #include "objects/TvlObject.h"
-#include "platform/Lists.h"
-#include "platform/Sets.h"
+#include "platform/core/Lists.h"
+#include "platform/core/Sets.h"
 
 #include <cstdint>
 

@@ -3,7 +3,7 @@
 
 #include "store/DataModBase.h"
 
-#include "output/Infobox.h"
+#include "platform/services/Infobox.h"
 #include "store/Layer.h"
 #include "surface/Drawbox.h"
 

@@ -16,13 +16,13 @@
 // that carry a harmless default.
 #pragma once
 
+#include "geometry/FileHeader.h"
 #include "geometry/Vltypes.h"
 #include "objects/ObjectBase.h"
-#include "platform/Exceptions.h"
-#include "platform/Streams.h"
-#include "platform/WinApi.h"
+#include "platform/core/Exceptions.h"
+#include "platform/core/Streams.h"
+#include "platform/core/WinApi.h"
 #include "store/CapList.h"
-#include "store/FileHeader.h"
 #include "tools/MouseToolBase.h"
 
 #include <cstdint>

@@ -3,7 +3,7 @@
 
 #include "store/Vlmm.h"
 
-#include "store/FileHeader.h"
+#include "geometry/FileHeader.h"
 #include "store/Layer.h"
 #include "surface/Drawbox.h"
 #include "surface/ScaleSetting.h"

@@ -3,10 +3,10 @@
 #include "surface/Drawbox.h"
 
 #include "geometry/Vlprocs.h"
-#include "platform/Exceptions.h"
-#include "platform/Services.h"
-#include "store/AppIdentity.h"
+#include "platform/core/Exceptions.h"
+#include "platform/services/Services.h"
 #include "store/DataModBase.h"
+#include "surface/AppIdentity.h"
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
 #include "tools/CreatorBase.h"

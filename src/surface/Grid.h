@@ -4,7 +4,7 @@
 #pragma once
 
 #include "geometry/Vltypes.h"
-#include "platform/Graphics.h"
+#include "platform/graphics/Graphics.h"
 
 #include <memory>
 

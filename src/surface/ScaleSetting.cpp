@@ -7,8 +7,8 @@
 #include "surface/ScaleSetting.h"
 
 #include "geometry/Vlprocs.h"
-#include "platform/Exceptions.h"
-#include "platform/Numerics.h"
+#include "platform/core/Exceptions.h"
+#include "platform/core/Numerics.h"
 
 namespace vl {
 

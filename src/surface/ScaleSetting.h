@@ -20,9 +20,9 @@
 #pragma once
 
 #include "geometry/Vltypes.h"
-#include "platform/Classes.h"
-#include "platform/Gdi.h"
-#include "platform/Types.h"
+#include "platform/core/Classes.h"
+#include "platform/core/Types.h"
+#include "platform/gdi/Gdi.h"
 
 #include <concepts>
 #include <cstdint>

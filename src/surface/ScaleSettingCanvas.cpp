@@ -2,8 +2,8 @@
 
 #include "surface/ScaleSetting.h"
 
-#include "platform/Exceptions.h"
-#include "platform/Graphics.h"
+#include "platform/core/Exceptions.h"
+#include "platform/graphics/Graphics.h"
 
 namespace vl {
 

@@ -2,9 +2,9 @@
 
 #include "surface/Scl12.h"
 
-#include "platform/Gdi.h"
-#include "platform/Numerics.h"
-#include "platform/Services.h"
+#include "platform/core/Numerics.h"
+#include "platform/gdi/Gdi.h"
+#include "platform/services/Services.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -17,8 +17,8 @@
 // QWidget comes first: the control header keeps a guarded pointer to it.
 #include <QWidget>
 
-#include "platform/Controls.h"
-#include "platform/WinApi.h"
+#include "platform/core/WinApi.h"
+#include "platform/window/Controls.h"
 
 #include <cstdint>
 #include <memory>

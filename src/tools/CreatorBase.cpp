@@ -2,8 +2,8 @@
 
 #include "tools/CreatorBase.h"
 
-#include "platform/Exceptions.h"
-#include "platform/Services.h"
+#include "platform/core/Exceptions.h"
+#include "platform/services/Services.h"
 #include "store/DataModBase.h"
 #include "surface/Drawbox.h"
 #include "surface/Grid.h"

@@ -4,8 +4,8 @@
 #include "tools/MouseToolBase.h"
 
 #include "objects/TvlObject.h"
-#include "platform/Buttons.h"
-#include "platform/Services.h"
+#include "platform/services/Services.h"
+#include "platform/window/Buttons.h"
 #include "store/DataModBase.h"
 #include "surface/Drawbox.h"
 #include "surface/ScaleSetting.h"

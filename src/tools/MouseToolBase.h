@@ -9,12 +9,12 @@
 #pragma once
 
 #include "geometry/Vltypes.h"
-#include "platform/Classes.h"
-#include "platform/Controls.h"
-#include "platform/Cursors.h"
-#include "platform/Graphics.h"
-#include "platform/Sets.h"
-#include "platform/WinApi.h"
+#include "platform/core/Classes.h"
+#include "platform/core/Sets.h"
+#include "platform/core/WinApi.h"
+#include "platform/graphics/Cursors.h"
+#include "platform/graphics/Graphics.h"
+#include "platform/window/Controls.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,7 +1,7 @@
 #include "geometry/Reclist.h"
 
-#include "platform/Exceptions.h"
-#include "platform/Streams.h"
+#include "platform/core/Exceptions.h"
+#include "platform/core/Streams.h"
 
 #include <gtest/gtest.h>
 

@@ -2,9 +2,9 @@
 // handle.
 
 #include "objects/Generators.h"
-#include "platform/ServiceDoubles.h"
-#include "platform/Services.h"
 #include "platform/gdi/GdiObjects.h"
+#include "platform/services/ServiceDoubles.h"
+#include "platform/services/Services.h"
 #include "surface/ScaleSetting.h"
 
 #include <QImage>

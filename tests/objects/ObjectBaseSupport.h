@@ -3,13 +3,13 @@
 // size, and a fixture with a form, a draw box and the box's scale setting in force.
 #pragma once
 
+#include "geometry/FileHeader.h"
 #include "objects/TvlObject.h"
-#include "platform/Controls.h"
-#include "platform/ServiceDoubles.h"
-#include "platform/Services.h"
-#include "platform/Streams.h"
+#include "platform/core/Streams.h"
+#include "platform/services/ServiceDoubles.h"
+#include "platform/services/Services.h"
+#include "platform/window/Controls.h"
 #include "store/DataModBase.h"
-#include "store/FileHeader.h"
 #include "support/FormFixture.h"
 #include "surface/Drawbox.h"
 #include "surface/ScaleSetting.h"

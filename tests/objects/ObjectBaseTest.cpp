@@ -3,7 +3,7 @@
 #include "ObjectBaseSupport.h"
 
 #include "objects/Generators.h"
-#include "platform/Graphics.h"
+#include "platform/graphics/Graphics.h"
 #include "surface/Grid.h"
 
 namespace vl::test {

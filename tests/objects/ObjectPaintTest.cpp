@@ -2,8 +2,8 @@
 // updating, the restore rect and printing through a scale setting of its own.
 #include "ObjectPaintSupport.h"
 
-#include "platform/Exceptions.h"
-#include "platform/Images.h"
+#include "platform/core/Exceptions.h"
+#include "platform/graphics/Images.h"
 
 namespace vl::test {
 namespace {

@@ -2,9 +2,9 @@
 // paste, and the byte forms of the stream helpers.
 #include "ObjectBaseSupport.h"
 
-#include "platform/Dib.h"
-#include "platform/Graphics.h"
-#include "platform/Images.h"
+#include "platform/graphics/Dib.h"
+#include "platform/graphics/Graphics.h"
+#include "platform/graphics/Images.h"
 
 #include <QImage>
 

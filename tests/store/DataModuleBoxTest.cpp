@@ -2,9 +2,9 @@
 // object that the next paint draws in z-order, and finding, marking, moving and deleting repaint only
 // what changed.
 
-#include "platform/Controls.h"
-#include "platform/ServiceDoubles.h"
-#include "platform/Services.h"
+#include "platform/services/ServiceDoubles.h"
+#include "platform/services/Services.h"
+#include "platform/window/Controls.h"
 #include "store/Vlmm.h"
 #include "support/FormFixture.h"
 #include "surface/Drawbox.h"

@@ -2,8 +2,8 @@
 #include "store/Layer.h"
 
 #include "StoreTestSupport.h"
-#include "platform/Exceptions.h"
-#include "platform/Menus.h"
+#include "platform/core/Exceptions.h"
+#include "platform/window/Menus.h"
 
 #include <QAction>
 

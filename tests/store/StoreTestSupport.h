@@ -3,15 +3,15 @@
 // fixture with a form, a draw box in force and three creators.
 #pragma once
 
+#include "geometry/FileHeader.h"
 #include "objects/Generators.h"
 #include "objects/TvlObject.h"
-#include "output/Infobox.h"
-#include "platform/Controls.h"
-#include "platform/ServiceDoubles.h"
-#include "platform/Services.h"
-#include "platform/Streams.h"
+#include "platform/core/Streams.h"
+#include "platform/services/Infobox.h"
+#include "platform/services/ServiceDoubles.h"
+#include "platform/services/Services.h"
+#include "platform/window/Controls.h"
 #include "store/DataModBase.h"
-#include "store/FileHeader.h"
 #include "support/FormFixture.h"
 #include "surface/Drawbox.h"
 #include "surface/ScaleSetting.h"

@@ -3,8 +3,8 @@
 // it (focus works offscreen only on an active window), and letting Qt's queued events run.
 #pragma once
 
-#include "platform/Controls.h"
-#include "platform/Services.h"
+#include "platform/services/Services.h"
+#include "platform/window/Controls.h"
 #include "surface/Drawbox.h"
 
 #include <QApplication>

@@ -3,9 +3,9 @@
 
 #include "surface/ScaleSetting.h"
 
-#include "platform/Exceptions.h"
-#include "platform/Gdi.h"
-#include "platform/Graphics.h"
+#include "platform/core/Exceptions.h"
+#include "platform/gdi/Gdi.h"
+#include "platform/graphics/Graphics.h"
 
 #include <QImage>
 #include <gtest/gtest.h>

@@ -3,10 +3,10 @@
 #pragma once
 
 #include "objects/TvlObject.h"
-#include "platform/Buttons.h"
-#include "platform/Controls.h"
-#include "platform/ServiceDoubles.h"
-#include "platform/Services.h"
+#include "platform/services/ServiceDoubles.h"
+#include "platform/services/Services.h"
+#include "platform/window/Buttons.h"
+#include "platform/window/Controls.h"
 #include "store/DataModBase.h"
 #include "support/FormFixture.h"
 #include "surface/Drawbox.h"

@@ -7,7 +7,7 @@
 // one more implementation of this interface; callers of the public operations never see the backend.
 #pragma once
 
-#include "platform/Gdi.h"
+#include "platform/gdi/Gdi.h"
 #include "platform/gdi/Region.h"
 
 #include <QRegion>

@@ -6,8 +6,8 @@
 // states); `FClip` is rebuilt from it whenever it or the device changes.
 #pragma once
 
-#include "platform/Gdi.h"
 #include "platform/gdi/DeviceBackend.h"
+#include "platform/gdi/Gdi.h"
 #include "platform/gdi/GdiObjects.h"
 
 #include <memory>

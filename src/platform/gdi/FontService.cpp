@@ -5,8 +5,8 @@
 // (Qt's pixel size); a positive height is the cell height (ascent + descent), reached by scaling the
 // pixel size by the face's own ratio.
 
-#include "platform/Gdi.h"
 #include "platform/gdi/DeviceBackend.h"
+#include "platform/gdi/Gdi.h"
 
 #include <QFont>
 #include <QFontDatabase>

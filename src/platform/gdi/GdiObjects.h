@@ -1,7 +1,7 @@
 // Internals of the objects behind the handles: the live-handle registry and counted references.
 #pragma once
 
-#include "platform/Gdi.h"
+#include "platform/gdi/Gdi.h"
 #include "platform/gdi/Region.h"
 
 #include <QImage>

@@ -7,7 +7,7 @@
 // are skipped arithmetically, so a line of any length costs only the pixels inside the box.
 #pragma once
 
-#include "platform/Types.h"
+#include "platform/core/Types.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "platform/gdi/Region.h"
 
-#include "platform/Gdi.h"
+#include "platform/gdi/Gdi.h"
 
 #include <QPainterPath>
 #include <QPolygonF>

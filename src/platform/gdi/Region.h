@@ -8,7 +8,7 @@
 // costs the same memory.
 #pragma once
 
-#include "platform/Types.h"
+#include "platform/core/Types.h"
 
 #include <cstdint>
 #include <functional>

@@ -3,7 +3,7 @@
 // device pixels), the SVG generator's element coordinates, and a picture replayed onto an image,
 // whose pixels show where the shapes landed.
 
-#include "platform/Gdi.h"
+#include "platform/gdi/Gdi.h"
 
 #include "GdiTestSupport.h"
 

@@ -2,7 +2,7 @@
 // of its pixels ('.' background grey, 'w' white, '#' black, 'r' red, 'b' blue, '?' anything else).
 #pragma once
 
-#include "platform/Gdi.h"
+#include "platform/gdi/Gdi.h"
 
 #include <QImage>
 

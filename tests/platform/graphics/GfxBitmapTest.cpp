@@ -1,6 +1,6 @@
 // The BMP file format of TBitmap: exact bytes, exact length inside a longer stream, foreign files.
-#include "platform/Images.h"
-#include "platform/Streams.h"
+#include "platform/core/Streams.h"
+#include "platform/graphics/Images.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // TCanvas over the raster device: lazy selection, exact pixels of its operations, graphics drawn on it.
-#include "platform/Graphics.h"
-#include "platform/Images.h"
+#include "platform/graphics/Graphics.h"
+#include "platform/graphics/Images.h"
 
 #include <gtest/gtest.h>
 

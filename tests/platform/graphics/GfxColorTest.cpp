@@ -1,5 +1,5 @@
 // Colours, pens, brushes and fonts of the framework's drawing classes.
-#include "platform/Graphics.h"
+#include "platform/graphics/Graphics.h"
 
 #include <gtest/gtest.h>
 

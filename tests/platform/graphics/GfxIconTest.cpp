@@ -1,6 +1,6 @@
 // TIcon, TJPEGImage and TPicture: their file formats and exact lengths inside longer streams.
-#include "platform/Images.h"
-#include "platform/Streams.h"
+#include "platform/core/Streams.h"
+#include "platform/graphics/Images.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Cursor numbers, the library's image cursors and the screen's cursor table.
 
-#include "platform/Cursors.h"
-#include "platform/Services.h"
+#include "platform/graphics/Cursors.h"
+#include "platform/services/Services.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // The rectangle rules of the window system.
 
-#include "platform/WinApi.h"
+#include "platform/core/WinApi.h"
 
 #include <gtest/gtest.h>
 

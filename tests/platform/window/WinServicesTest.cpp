@@ -1,9 +1,9 @@
 // The window-system services: their test doubles, the clipboard format registry, the screen, the
 // error boundary and the file dialog helpers.
 
-#include "platform/Cursors.h"
-#include "platform/ServiceDoubles.h"
-#include "platform/Services.h"
+#include "platform/graphics/Cursors.h"
+#include "platform/services/ServiceDoubles.h"
+#include "platform/services/Services.h"
 
 #include <QGuiApplication>
 

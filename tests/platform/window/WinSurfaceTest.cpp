@@ -3,7 +3,7 @@
 
 #include "WinTestSupport.h"
 
-#include "platform/Surface.h"
+#include "platform/window/Surface.h"
 
 namespace vl::test {
 namespace {

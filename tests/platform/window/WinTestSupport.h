@@ -2,9 +2,9 @@
 // it.
 #pragma once
 
-#include "platform/Controls.h"
-#include "platform/ServiceDoubles.h"
-#include "platform/Services.h"
+#include "platform/services/ServiceDoubles.h"
+#include "platform/services/Services.h"
+#include "platform/window/Controls.h"
 #include "support/FormFixture.h"
 
 #include <QApplication>

@@ -2,7 +2,7 @@
 
 #include "BoxTestSupport.h"
 
-#include "store/AppIdentity.h"
+#include "surface/AppIdentity.h"
 
 #include <cmath>
 

@@ -2,9 +2,9 @@
 // IDs, objects that log their paint and a data module that holds them, and a fixture with a form.
 #pragma once
 
-#include "platform/Controls.h"
-#include "platform/ServiceDoubles.h"
-#include "platform/Services.h"
+#include "platform/services/ServiceDoubles.h"
+#include "platform/services/Services.h"
+#include "platform/window/Controls.h"
 #include "store/DataModBase.h"
 #include "support/FormFixture.h"
 #include "surface/Drawbox.h"

@@ -4,9 +4,9 @@
 
 #include "surface/Grid.h"
 
-#include "platform/Exceptions.h"
-#include "platform/Gdi.h"
-#include "platform/Graphics.h"
+#include "platform/core/Exceptions.h"
+#include "platform/gdi/Gdi.h"
+#include "platform/graphics/Graphics.h"
 #include "surface/ScaleSetting.h"
 
 #include <QImage>

@@ -1,0 +1,3 @@
+#pragma once
+#include "platform/core/Low.h"
+#include "store/Store.h"
