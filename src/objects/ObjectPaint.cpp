@@ -3,14 +3,13 @@
 #include "objects/TvlObject.h"
 
 #include "objects/Generators.h"
+#include "objects/ObjectLinks.h"
 #include "platform/core/Exceptions.h"
 #include "platform/graphics/Graphics.h"
 #include "platform/graphics/Images.h"
-#include "store/DataModBase.h"
 #include "surface/Drawbox.h"
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
-#include "tools/CreatorBase.h"
 
 #include <algorithm>
 
@@ -36,7 +35,7 @@ void TvlObject::Show() {
 
 void TvlObject::Hide() {
     SetVisible(false);
-    if (FTool && FTool->FDrawForm) FTool->FDrawForm->UpdateRect(GetMaxLimits());
+    if (TCustomDrawBox* box = DrawForm()) box->UpdateRect(GetMaxLimits());
     Select(smUnselect);
 }
 
@@ -63,9 +62,10 @@ void TvlObject::Draw() {
 }
 
 void TvlObject::DrawShade() {
-    if (!FTool || !FTool->FDrawForm) return;
+    TCustomDrawBox* box = DrawForm();
+    if (!box) return;
     TCanvas& canvas = CanvasOf(Scale());
-    TShadows& shadows = FTool->FDrawForm->Shadows();
+    TShadows& shadows = box->Shadows();
     TPoint oldOrigin{0, 0};
     SetWindowOrgEx(canvas.Handle(), -(GetMinX() + shadows.dX()), -(GetMinY() + shadows.dY()), &oldOrigin);
     TCustomGenerator* gen = Generator();
@@ -139,7 +139,8 @@ HRGN TvlObject::CreateShapeRgn(TRgnMode Mode) {
 void TvlObject::Drawmark() {
     TCanvas& canvas = CanvasOf(Scale());
     TCustomGenerator* gen = Generator();
-    const TColor markColor = (FTool && FTool->FDrawForm) ? FTool->FDrawForm->clMarkPen() : TColor(255);
+    TCustomDrawBox* box = DrawForm();
+    const TColor markColor = box ? box->clMarkPen() : TColor(255);
     canvas.Pen().SetWidth(gen ? gen->Pen().Width() : 1);
     canvas.Pen().SetStyle(psSolid);
     canvas.Pen().SetColor(markColor);
@@ -156,7 +157,7 @@ void TvlObject::Drawmark() {
 void TvlObject::Mark() {
     if (!Selected()) {
         SelectComplete(smSelect);
-        if (TvlDataMod* dm = GetDataModule()) dm->Mark(nullptr);
+        if (TObjectStore* dm = GetDataModule()) dm->Mark(nullptr);
         return;
     }
     SetWindowOrgEx(CanvasOf(Scale()).Handle(), -GetMinX(), -GetMinY());

@@ -4,11 +4,11 @@
 
 #include "geometry/FileHeader.h"
 #include "geometry/Vlprocs.h"
+#include "objects/ObjectLinks.h"
 #include "platform/core/Exceptions.h"
 #include "platform/core/Streams.h"
 #include "platform/graphics/Graphics.h"
 #include "platform/graphics/Images.h"
-#include "store/DataModBase.h"
 
 #include <limits>
 

@@ -3,13 +3,12 @@
 #include "objects/TvlObject.h"
 
 #include "objects/Generators.h"
+#include "objects/ObjectLinks.h"
 #include "platform/core/Exceptions.h"
 #include "platform/graphics/Graphics.h"
-#include "store/DataModBase.h"
 #include "surface/Drawbox.h"
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
-#include "tools/CreatorBase.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -49,7 +48,7 @@ TPasteIDRec PasteIDAt(std::int32_t Index) {
 
 // --- Life ---------------------------------------------------------------------------------------
 
-TvlObject::TvlObject(TvlCreator* ATool) : FTool(ATool) {
+TvlObject::TvlObject(TObjectCreator* ATool) : FTool(ATool) {
     if (TCustomGenerator* gen = Generator()) gen->IncInstance();
 }
 
@@ -61,9 +60,19 @@ TCustomGenerator* TvlObject::Generator() const {
     return FTool ? FTool->Generator() : nullptr;
 }
 
-TvlDataMod* TvlObject::GetDataModule() const {
-    if (!FTool || !FTool->FDrawForm) return nullptr;
-    return FTool->FDrawForm->DataModule();
+TvlCreator* TvlObject::Tool() const {
+    return FTool ? FTool->Creator() : nullptr;
+}
+
+TCustomDrawBox* TvlObject::DrawForm() const {
+    return FTool ? FTool->Environment()->FDrawForm : nullptr;
+}
+
+TObjectStore* TvlObject::GetDataModule() const {
+    TCustomDrawBox* box = DrawForm();
+    // Every data module of a box is an object store; a box that holds another kind of store (a
+    // host's own) has none for its objects.
+    return box ? dynamic_cast<TObjectStore*>(box->DataModule()) : nullptr;
 }
 
 std::int16_t TvlObject::ClassNr() const {
@@ -71,13 +80,13 @@ std::int16_t TvlObject::ClassNr() const {
 }
 
 void TvlObject::Count() {
-    TvlDataMod* dm = GetDataModule();
+    TObjectStore* dm = GetDataModule();
     TCustomGenerator* gen = Generator();
     if (dm && gen) ObjID = dm->IncCounter(gen->Counter());
 }
 
 TvlObject* TvlObject::FindObject(const TContype& Link) const {
-    TvlDataMod* dm = GetDataModule();
+    TObjectStore* dm = GetDataModule();
     return dm ? dm->FindObject(Link) : nullptr;
 }
 
@@ -279,7 +288,8 @@ TPoint TvlObject::GetHotSpot() const {
 }
 
 std::int32_t TvlObject::GetDRoundRect() const {
-    if (FTool && FTool->Tag() > 0) return static_cast<std::int32_t>(FTool->Tag());
+    if (FTool && FTool->Environment()->Tag() > 0)
+        return static_cast<std::int32_t>(FTool->Environment()->Tag());
     return RoundRectX3;
 }
 
@@ -315,9 +325,10 @@ TLimRec TvlObject::GetMaxLimits() {
     std::int32_t mx = 0;
     std::int32_t my = 0;
     TCustomGenerator* gen = Generator();
-    if (gen && gen->Options().Contains(goShadows) && FTool && FTool->FDrawForm) {
-        mx = FTool->FDrawForm->Shadows().dX();
-        my = FTool->FDrawForm->Shadows().dY();
+    TCustomDrawBox* box = DrawForm();
+    if (gen && gen->Options().Contains(goShadows) && box) {
+        mx = box->Shadows().dX();
+        my = box->Shadows().dY();
     }
     if (State.Contains(isSizing)) {
         const std::int32_t frame = Scale().GetTempFrame();
@@ -391,7 +402,7 @@ void TvlObject::SelectComplete(TSelectMode Mode) {
 }
 
 void TvlObject::Select(TSelectMode Mode) {
-    TvlDataMod* dm = GetDataModule();
+    TObjectStore* dm = GetDataModule();
     if (!dm) return;
     if (Mode == smSelect)
         dm->Select(this);
@@ -479,7 +490,7 @@ bool TvlObject::CheckShape(const TLimRec& CurLims) {
 
 void TvlObject::StartMove() {
     Scale().State.Include(scMovingObjects);
-    if (TvlDataMod* dm = GetDataModule()) dm->CheckLimits(this, false);
+    if (TObjectStore* dm = GetDataModule()) dm->CheckLimits(this, false);
     Invalidate();
 }
 
@@ -501,7 +512,7 @@ void TvlObject::EndMove() {
     State.Exclude(isCantMove);
     Invalidate();
     Scale().State.Exclude(scMovingObjects);
-    if (TvlDataMod* dm = GetDataModule()) dm->CheckLimits(this, true);
+    if (TObjectStore* dm = GetDataModule()) dm->CheckLimits(this, true);
 }
 
 void TvlObject::Rotate(TPoint Origin, double Delta) {
@@ -512,7 +523,7 @@ void TvlObject::Rotate(TPoint Origin, double Delta) {
 void TvlObject::Invalidate() {
     if (ActScaleSet && ActScaleSet->State.Contains(scChanged)) AdjustToScale();
     const TLimRec l = GetMaxLimits();
-    TvlDataMod* dm = GetDataModule();
+    TObjectStore* dm = GetDataModule();
     if (!dm) return;
     TLimRec& r = dm->FRestoreRect;
     r.Xmin = std::min(r.Xmin, l.Xmin);
@@ -522,7 +533,7 @@ void TvlObject::Invalidate() {
 }
 
 void TvlObject::Update() {
-    if (FTool && FTool->FDrawForm) FTool->FDrawForm->UpdateRect(GetMaxLimits());
+    if (TCustomDrawBox* box = DrawForm()) box->UpdateRect(GetMaxLimits());
 }
 
 void TvlObject::AdjustToScale() {}

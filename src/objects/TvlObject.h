@@ -22,6 +22,7 @@
 #include "platform/core/Classes.h"
 #include "platform/core/Sets.h"
 #include "platform/gdi/Gdi.h"
+#include "surface/BoxLinks.h"
 
 #include <QString>
 
@@ -36,6 +37,8 @@ namespace vl {
 class TvlObject;
 class TvlCreator;
 class TvlDataMod;
+class TObjectCreator;
+class TObjectStore;
 class TCustomGenerator;
 class TCustomDrawBox;
 class TStream;
@@ -77,9 +80,6 @@ enum class TInvolve : std::uint8_t { invMove, invDelete, invCopy };
 using enum TInvolve;
 enum class TSelectMode : std::uint8_t { smSelect, smUnselect };
 using enum TSelectMode;
-// The tests of `CheckFrame`: a `TPoint`, a `TRect` or a `TLimRec` given by address.
-enum class TCheckFrame : std::uint8_t { cfPoint, cfRect, cfLimRec };
-using enum TCheckFrame;
 enum class TRgnMode : std::uint8_t { rmDev, rmLog };
 using enum TRgnMode;
 enum class TSizeMode : std::uint8_t { smShape, smCheck };
@@ -198,12 +198,12 @@ using TFirstObjectFunc = std::function<bool(TvlObject* FndObject, void* Params)>
 using TMetafileReader = std::function<std::unique_ptr<TGraphic>(TStream& Frame)>;
 inline TMetafileReader MetafileReader;
 
-class TvlObject : public TObject {
+class TvlObject : public TBoxObject {
 public:
     // Stores the tool and counts the object among its generator's living objects. State and
     // position start zeroed. The caller numbers the object (`Count`), makes it visible and adds it
     // to the data module.
-    explicit TvlObject(TvlCreator* ATool = nullptr);
+    explicit TvlObject(TObjectCreator* ATool = nullptr);
     // Takes the object out of its generator's count, if the generator still exists.
     ~TvlObject() override;
 
@@ -238,16 +238,16 @@ public:
     virtual bool Found(const TLimRec& CurLims);
     virtual bool CheckShape(const TLimRec& CurLims);
     virtual void StartMove();
-    virtual void MovePos(TPoint DeltaPos);
+    void MovePos(TPoint DeltaPos) override;
     virtual void EndMove();
     virtual void Rotate(TPoint Origin, double Delta);
-    virtual void Invalidate();
-    virtual void AdjustToScale();
+    void Invalidate() override;
+    void AdjustToScale() override;
     virtual void AdjustToFontHeight();
     virtual void Shape();
     virtual void Print();
     virtual void Draw();
-    virtual void Show();
+    void Show() override;
     virtual void Hide();
     virtual void ShapeMark();
     virtual void Drawmark();
@@ -256,24 +256,27 @@ public:
     virtual void Mark();
     virtual void DrawShadow();
     virtual void HideShadow();
-    virtual void ObjectMessage(TObjMessage& aMessage);
+    void ObjectMessage(TObjMessage& aMessage) override;
 
     // --- What the draw box asks of every object ---------------------------------------------------
     // `isVisible` is set and the generator doesn't hold `roHidden`.
-    virtual bool Visible() const;
+    bool Visible() const override;
     // Quick test of the area at `Koord` (a `TPoint`, `TRect` or `TLimRec` as `Code` says) against
     // `GetMaxLimits`; all comparisons inclusive.
-    virtual bool CheckFrame(const void* Koord, TCheckFrame Code);
+    bool CheckFrame(const void* Koord, TCheckFrame Code) override;
     // The generator holds `roNosy`: the object hears of every paint and every printing.
-    virtual bool Nosy() const;
+    bool Nosy() const override;
 
     // --- Identity and links ----------------------------------------------------------------------
-    TvlCreator* Tool() const { return FTool; }
+    // The tool that made the object.
+    TvlCreator* Tool() const;
+    // The draw box of that tool; null where a link of the chain is missing.
+    TCustomDrawBox* DrawForm() const;
     std::uint16_t ID() const { return ObjID; }
     // The tool's generator; null without a tool.
     TCustomGenerator* Generator() const;
     // `Tool.FDrawForm.FDataModule`; null where a link of that chain is missing.
-    TvlDataMod* GetDataModule() const;
+    TObjectStore* GetDataModule() const;
     // The tool's ID as a signed 16-bit number.
     std::int16_t ClassNr() const;
     // Numbers a new object from the data module's counter that the generator names.
@@ -411,7 +414,7 @@ protected:
     // The scale setting in force; raises when there is none.
     static TScaleSetting& Scale();
 
-    TvlCreator* FTool = nullptr; // borrowed: the tool that made the object
+    TObjectCreator* FTool = nullptr; // borrowed: the tool that made the object
     TPos Pos;
     std::uint16_t ObjID = 0;
 };

@@ -17,7 +17,7 @@ namespace {
 
 } // namespace
 
-TvlDataMod::TvlDataMod(TComponent* AOwner) : TEnvironment(AOwner) {
+TvlDataMod::TvlDataMod(TComponent* AOwner) : TObjectStore(AOwner) {
     FMarkCase = std::make_unique<TCapList>();
     FMarkCase->State.Include(lsZOrder);
     InitRestoreRect();
@@ -240,13 +240,8 @@ void TvlDataMod::ConnectObjects(TvlObject* AnyObject, void*) {
 // Restore rect and extent
 // ---------------------------------------------------------------------------------------------
 
-void TvlDataMod::InitRestoreRect() {
-    FRestoreRect = EmptyLimRec;
-}
-
-void TvlDataMod::InvalidateRestoreRect() {
-    if (FDrawForm) FDrawForm->InvalidateChanges();
-    InitRestoreRect();
+void TvlDataMod::AllBoxObjects(const TBoxObjectProc& Action, void* Params) {
+    AllObjects([&Action](TvlObject* AnyObject, void* P) { Action(AnyObject, P); }, Params);
 }
 
 void TvlDataMod::Invalidate() {
@@ -257,10 +252,6 @@ void TvlDataMod::Invalidate() {
 bool TvlDataMod::RangeChanged() {
     return GetMinX() > FRestoreRect.Xmin || GetMaxX() < FRestoreRect.Xmax || GetMinY() > FRestoreRect.Ymin ||
            GetMaxY() < FRestoreRect.Ymax;
-}
-
-bool TvlDataMod::CompareLimits(const TLimRec& Limits) {
-    return GetLimits() == Limits;
 }
 
 // ---------------------------------------------------------------------------------------------

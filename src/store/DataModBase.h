@@ -18,12 +18,11 @@
 
 #include "geometry/FileHeader.h"
 #include "geometry/Vltypes.h"
-#include "objects/ObjectBase.h"
+#include "objects/ObjectLinks.h"
 #include "platform/core/Exceptions.h"
 #include "platform/core/Streams.h"
 #include "platform/core/WinApi.h"
 #include "store/CapList.h"
-#include "tools/MouseToolBase.h"
 
 #include <cstdint>
 #include <functional>
@@ -34,10 +33,6 @@ namespace vl {
 
 class TvlDataMod;
 class TvlLayer;
-
-enum class TDataModStateFlag : std::uint8_t { dmNeedAll, dmLoading, dmSaving, dmIgnoreZ, dmMovingObjects };
-using enum TDataModStateFlag;
-using TDataModState = TFlagSet<TDataModStateFlag>;
 
 // The kinds of undo snapshot, and the operations that take one.
 enum class TBackupMode : std::uint8_t { bkEmpty, bkMove, bkCreate, bkDelete, bkUndo, bkPaste };
@@ -59,7 +54,6 @@ struct TObjIndex {
 using TLayerClass = std::function<TvlLayer*(const QString& Name, int Capacity)>;
 
 using TBackupEvent = std::function<void(TObject* Sender, TBackupMode BackupMode)>;
-using TObjectEvent = std::function<void(TvlObject* CurrentObject)>;
 using TLayerClassEvent = std::function<void(TLayerClass& NewLayerClass)>;
 using TFileVersionEvent = std::function<void(TvlFileHeader& Header, bool& Abort)>;
 using TFileStreamEvent = std::function<void(TStream& Stream, bool Loading)>;
@@ -98,7 +92,7 @@ inline std::function<void()> ReleaseMapper;
 // Maps a class number read from a stream through the map in force; identity without one.
 inline std::function<std::int16_t(std::int16_t ClassNr)> MapClassNr;
 
-class TvlDataMod : public TEnvironment {
+class TvlDataMod : public TObjectStore {
 public:
     explicit TvlDataMod(TComponent* AOwner);
     ~TvlDataMod() override;
@@ -113,19 +107,21 @@ public:
     virtual std::int32_t GetMinX() { return 0; }
     virtual std::int32_t GetMaxY() { return 0; }
     virtual std::int32_t GetMinY() { return 0; }
-    virtual TLimRec GetLimits() = 0;
+    TLimRec GetLimits() override = 0;
     virtual std::int32_t GetCount();
     // Sets every counter to 0 and keeps their number.
     virtual void Clear();
     virtual void CheckLinks(TInvolve Code);
     // Condemns the limits when `AnyObj` may have left them; the next walk rebuilds them.
-    virtual void CheckLimits(TvlObject* AnyObj, bool inclBorder) {
+    void CheckLimits(TvlObject* AnyObj, bool inclBorder) override {
         (void)AnyObj;
         (void)inclBorder;
     }
     virtual TvlObject* ObjectAt(std::int32_t Index, std::int32_t LayerNr);
     virtual TObjIndex IndexOf(TvlObject* AObject);
     virtual void AllObjects(const TAllObjectsProc& Action, void* Params) = 0;
+    // The box's walk: `AllObjects`.
+    void AllBoxObjects(const TBoxObjectProc& Action, void* Params) override;
     virtual void AllObjectsBack(const TAllObjectsProc& Action, void* Params);
     // The first object for which `Condition` holds. The base walks `AllObjects`; stores search from
     // `StartIndex`.
@@ -133,7 +129,7 @@ public:
     virtual TvlObject* LastObjectWith(const TFirstObjectFunc& Condition, void* Params);
     virtual TObjIndex FirstIndexWith(const TFirstObjectFunc& Condition, void* Params);
     virtual TObjIndex LastIndexWith(const TFirstObjectFunc& Condition, void* Params);
-    virtual void InitLimits() = 0;
+    void InitLimits() override = 0;
     virtual void RecalcLimits();
     // `Item` is a plain object so that a host can pass an event's sender; a non-object gives -1.
     virtual std::int32_t BringToFront(TObject* Item, bool ZOrder);
@@ -145,28 +141,28 @@ public:
     virtual void Remove(TvlObject* Item);
     // Deletes the selected objects.
     virtual void DeleteObjects();
-    virtual bool Empty() = 0;
+    bool Empty() override = 0;
     virtual void SaveToStream(TStream& Stream);
     virtual void LoadFromStream(TStream& Stream);
     // The drawing file: header, creator map, body and host data.
-    virtual void LoadFromFile(const QString& FileName);
-    virtual void SaveToFile(const QString& FileName);
+    void LoadFromFile(const QString& FileName) override;
+    void SaveToFile(const QString& FileName) override;
 
     // --- Selection --------------------------------------------------------------------------------
     TCapList& MarkCase() const { return *FMarkCase; }
     // The selected objects, in the order of `MarkCase`.
-    virtual int MarkCount() const { return FMarkCase->Count(); }
-    virtual TvlObject* Marked(int Index) const { return FMarkCase->Items(Index); }
+    int MarkCount() const override { return FMarkCase->Count(); }
+    TvlObject* Marked(int Index) const override { return FMarkCase->Items(Index); }
     // Null: every member of `MarkCase` gets `isSelected` again, without event. Otherwise an object
     // not selected yet joins `MarkCase` and `OnSelectObject` fires.
-    virtual void Select(TvlObject* AnyObj);
+    void Select(TvlObject* AnyObj) override;
     // Fires `OnUnselectObject` (also for null), takes `AnyObj` (null: every object) out of the
     // selection and repaints what changed.
-    virtual void UnSelect(TvlObject* AnyObj);
+    void UnSelect(TvlObject* AnyObj) override;
     // Selects `AnyObj` and draws its mark (null: marks every selected object anew), fires
     // `OnMarkObject` and repaints what changed.
-    virtual void Mark(TvlObject* AnyObj);
-    void UnmarkAll() { UnSelect(nullptr); }
+    void Mark(TvlObject* AnyObj) override;
+    void UnmarkAll() override { UnSelect(nullptr); }
     // Takes `Item` out of the store and the selection and frees it.
     void Erase(TvlObject* Item);
     // The common tail of a deletion: the undo snapshot, `OnDeleteObjects`, an empty selection. The
@@ -176,14 +172,14 @@ public:
     // --- Counters ---------------------------------------------------------------------------------
     // The next number of counter `CounterIdx`: the array grows (zeroed) to reach it, the entry is
     // incremented (wrapping at 65536) and returned.
-    virtual std::uint16_t IncCounter(std::uint16_t CounterIdx);
+    std::uint16_t IncCounter(std::uint16_t CounterIdx) override;
     std::uint16_t DecCounter(std::uint16_t CounterIdx);
     const TCounters& Counters() const { return FCounters; }
 
     // --- Links ------------------------------------------------------------------------------------
     // The object that a stored link names by class number (through the class number map in force)
     // and number, over all layers; null if none.
-    virtual TvlObject* FindObject(TContype ConObj);
+    TvlObject* FindObject(TContype ConObj) override;
     static bool ObjectFromID(TvlObject* AnyObject, void* Params);
     // The action of `CheckLinks`: the object's `Involved` with the `TInvolve` at `Params`.
     static void AnyLink(TvlObject* AnyObject, void* Params);
@@ -191,15 +187,10 @@ public:
     static void ConnectObjects(TvlObject* AnyObject, void* Params);
 
     // --- Restore rect -----------------------------------------------------------------------------
-    void InitRestoreRect();
-    // The box's `InvalidateChanges`, then an empty restore rect.
-    void InvalidateRestoreRect();
     // The restore rect becomes all of the limits and is flushed.
     void Invalidate();
     // True when the limits no longer reach the restore rect on some side.
     bool RangeChanged();
-    // True when all four limit values equal those given.
-    bool CompareLimits(const TLimRec& Limits);
 
     // --- Extent -----------------------------------------------------------------------------------
     std::int32_t MaxX() { return GetMaxX(); }
@@ -258,8 +249,6 @@ public:
     TFileVersionEvent OnCheckFileVersion;
     TFileStreamEvent OnFileStream;
 
-    TLimRec FRestoreRect;
-    TDataModState State;
     // The operations that take undo snapshots.
     TUndo FUndo;
 
@@ -270,13 +259,6 @@ protected:
     std::unique_ptr<TUndoManager> FUndoManager;
     TCounters FCounters;
 };
-
-// Makes the data module that a draw box without one installs, with the box's owner as owner. When it
-// is not set, the box makes the single-layer store (`NewDefaultDataModule`).
-using TDataModuleFactory = std::function<TvlDataMod*(TComponent* AOwner)>;
-inline TDataModuleFactory DataModuleFactory;
-// A new single-layer store owned by `AOwner`.
-TvlDataMod* NewDefaultDataModule(TComponent* AOwner);
 
 // A module that holds nothing and always stays empty; adding to it raises.
 class TEmptyDataMod : public TvlDataMod {

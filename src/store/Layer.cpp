@@ -3,6 +3,7 @@
 
 #include "geometry/FileHeader.h"
 #include "objects/Generators.h"
+#include "objects/ObjectLinks.h"
 #include "platform/core/Codepage.h"
 #include "platform/core/Exceptions.h"
 #include "platform/core/Streams.h"
@@ -11,7 +12,6 @@
 #include "store/DataModBase.h"
 #include "surface/Drawbox.h"
 #include "surface/ScaleSetting.h"
-#include "tools/CreatorBase.h"
 
 #include <algorithm>
 #include <limits>
@@ -230,7 +230,7 @@ void TvlLayer::AllObjectsBack(const TAllObjectsProc& Action, void* Params) {
 void TvlLayer::Invalidate() {
     if (Count() == 0) return;
     TvlObject* first = Items(0);
-    TvlDataMod* dataMod = first ? first->GetDataModule() : nullptr;
+    TObjectStore* dataMod = first ? first->GetDataModule() : nullptr;
     if (!dataMod) return;
     dataMod->FRestoreRect = Limits();
     dataMod->InvalidateRestoreRect();
@@ -282,7 +282,8 @@ void TvlLayer::LoadFromStream(TStream& Stream, TComponent* AOwner) {
     std::uint16_t classNr = ReadClassNr(Stream);
     while (classNr != LayerEndMark) {
         if (Stream.Position() >= Stream.Size()) Abort();
-        TvlCreator* tool = FindCreatorByID(AOwner, static_cast<std::int16_t>(classNr));
+        auto* tool =
+            dynamic_cast<TObjectCreator*>(FindCreatorByID(AOwner, static_cast<std::int16_t>(classNr)));
         if (!tool) Abort();
         std::unique_ptr<TvlObject> object(tool->CreateObject());
         object->Persist(&Stream, TPstMode::pstLoad);

@@ -12,7 +12,7 @@
 
 namespace vl {
 
-TvlDataMod* NewDefaultDataModule(TComponent* AOwner) {
+TBoxStore* NewDefaultDataModule(TComponent* AOwner) {
     return new TvlDataModule(AOwner);
 }
 

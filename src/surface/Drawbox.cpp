@@ -5,12 +5,9 @@
 #include "geometry/Vlprocs.h"
 #include "platform/core/Exceptions.h"
 #include "platform/services/Services.h"
-#include "store/DataModBase.h"
 #include "surface/AppIdentity.h"
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
-#include "tools/CreatorBase.h"
-#include "tools/MouseToolBase.h"
 
 #include <algorithm>
 
@@ -47,7 +44,7 @@ TCustomDrawBox::TCustomDrawBox(TComponent* AOwner) : TScrollPaint(AOwner) {
 
 TCustomDrawBox::~TCustomDrawBox() {
     if (State.Contains(bsOwnDataMod) && FDataModule) {
-        TvlDataMod* own = FDataModule;
+        TBoxStore* own = FDataModule;
         FDataModule = nullptr;
         delete own; // leaves its owner's list on the way
     }
@@ -105,13 +102,13 @@ void TCustomDrawBox::Notification(TComponent* AComponent, TOperation Operation) 
     }
     if (!ComponentState().Contains(csDesigning)) return;
     if (auto* env = dynamic_cast<TEnvironment*>(AComponent); env && env->FDrawForm == nullptr) {
-        if (auto* dm = dynamic_cast<TvlDataMod*>(env); dm && FDataModule == nullptr) FDataModule = dm;
+        if (auto* dm = dynamic_cast<TBoxStore*>(env); dm && FDataModule == nullptr) FDataModule = dm;
         env->FDrawForm = this;
     }
 }
 
 void TCustomDrawBox::InstallDataModule() {
-    TvlDataMod* dm = DataModuleFactory ? DataModuleFactory(Owner()) : NewDefaultDataModule(Owner());
+    TBoxStore* dm = DataModuleFactory ? DataModuleFactory(Owner()) : NewDefaultDataModule(Owner());
     FDataModule = dm;
     dm->FDrawForm = this;
     State.Include(bsOwnDataMod);
@@ -156,8 +153,8 @@ bool TCustomDrawBox::CanClose() const {
     return !FDataModule->State.Contains(dmLoading) && !FDataModule->State.Contains(dmSaving);
 }
 
-TvlObject* TCustomDrawBox::CreateObject(std::int16_t ToolID) {
-    TvlCreator* creator = FindCreatorByID(Owner(), ToolID);
+TBoxObject* TCustomDrawBox::CreateObject(std::int16_t ToolID) {
+    TBoxCreator* creator = FindCreatorByID(Owner(), ToolID);
     if (!creator) throw Exception(QStringLiteral("No creator for tool ID %1").arg(ToolID));
     return creator->CreateObject();
 }
@@ -188,12 +185,12 @@ TPoint TCustomDrawBox::DevToLog(int X, int Y) {
 // Local objects and tools
 // ---------------------------------------------------------------------------------------------
 
-void TCustomDrawBox::AllLocalObjects(const TAllObjectsProc& Action, void* Params) {
+void TCustomDrawBox::AllLocalObjects(const TBoxObjectProc& Action, void* Params) {
     if (FScaleHorz) Action(FScaleHorz.get(), Params);
     if (FScaleVert) Action(FScaleVert.get(), Params);
 }
 
-TvlObject* TCustomDrawBox::FindLocalObject(const TFirstObjectFunc& Condition, void* Params) {
+TBoxObject* TCustomDrawBox::FindLocalObject(const TBoxObjectFunc& Condition, void* Params) {
     if (FScaleHorz && Condition(FScaleHorz.get(), Params)) return FScaleHorz.get();
     if (FScaleVert && Condition(FScaleVert.get(), Params)) return FScaleVert.get();
     return nullptr;
@@ -204,7 +201,7 @@ void TCustomDrawBox::WithToolsDo(const TCompFilter& Filter, const TComponentProc
     if (!owner) return;
     bool done = false;
     for (int i = 0; i < owner->ComponentCount(); ++i) {
-        auto* tool = dynamic_cast<TMouseTool*>(owner->Components(i));
+        auto* tool = dynamic_cast<TBoxTool*>(owner->Components(i));
         if (!tool || tool->FDrawForm != this || !Filter(tool)) continue;
         Action(tool, done);
         if (done) break;
@@ -212,7 +209,7 @@ void TCustomDrawBox::WithToolsDo(const TCompFilter& Filter, const TComponentProc
 }
 
 bool TCustomDrawBox::Creators(TComponent* AComponent) {
-    return dynamic_cast<TvlCreator*>(AComponent) != nullptr;
+    return dynamic_cast<TBoxCreator*>(AComponent) != nullptr;
 }
 
 void TCustomDrawBox::InitTools() {
@@ -220,15 +217,15 @@ void TCustomDrawBox::InitTools() {
     if (!owner) return;
     // The count is read anew after each step: a tool may add components.
     for (int i = 0; i < owner->ComponentCount(); ++i) {
-        auto* tool = dynamic_cast<TMouseTool*>(owner->Components(i));
+        auto* tool = dynamic_cast<TBoxTool*>(owner->Components(i));
         if (tool && tool->FDrawForm == this) tool->Init();
     }
 }
 
 void TCustomDrawBox::SetDefaultTool() {
-    WithToolsDo([](TComponent* c) { return static_cast<TMouseTool*>(c)->Options().Contains(toDefaultTool); },
+    WithToolsDo([](TComponent* c) { return static_cast<TBoxTool*>(c)->Options().Contains(toDefaultTool); },
                 [this](TComponent* c, bool& done) {
-                    static_cast<TMouseTool*>(c)->Activate(this);
+                    static_cast<TBoxTool*>(c)->Activate(this);
                     done = true;
                 });
 }
@@ -246,12 +243,12 @@ void TCustomDrawBox::MoveObjects(TPoint DeltaPos) {
     if (FGrid->Capture()) FGrid->MatchCoords(DeltaPos);
     if (!FDataModule) return;
     for (int i = 0; i < FDataModule->MarkCount(); ++i) {
-        TvlObject* obj = FDataModule->Marked(i);
+        TBoxObject* obj = FDataModule->Marked(i);
         obj->Invalidate();
         obj->MovePos(DeltaPos);
         obj->Invalidate();
     }
-    FDataModule->UnSelect(nullptr);
+    FDataModule->UnmarkAll();
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -260,7 +257,7 @@ void TCustomDrawBox::MoveObjects(TPoint DeltaPos) {
 
 void TCustomDrawBox::InvalidateChanges() {
     if (!Visible() || !FDataModule) return;
-    const TLimRec& rr = FDataModule->FRestoreRect;
+    const TLimRec& rr = FDataModule->RestoreRect();
     // This guard tests the opposite of what an empty restore rect holds: an untouched rect passes it
     // and invalidates whatever its corners map to. Kept as the drawing's behaviour.
     if (rr.Xmin == -2147483647 && rr.Xmax == 2147483647) return;
@@ -405,11 +402,11 @@ void TCustomDrawBox::Paint() {
         const TLimRec kept = FDataModule->GetLimits();
         if (ss.State.Contains(scChanged)) {
             WithToolsDo(&TCustomDrawBox::Creators,
-                        [](TComponent* c, bool&) { static_cast<TvlCreator*>(c)->CheckScaling(); });
-            FDataModule->AllObjects([](TvlObject* obj, void*) { obj->AdjustToScale(); }, nullptr);
+                        [](TComponent* c, bool&) { dynamic_cast<TBoxCreator*>(c)->CheckScaling(); });
+            FDataModule->AllBoxObjects([](TBoxObject* obj, void*) { obj->AdjustToScale(); }, nullptr);
             if (ss.State.Contains(scBoundsChanged)) FDataModule->InitLimits();
         }
-        FDataModule->AllObjects(&TCustomDrawBox::PaintObjects, &r);
+        FDataModule->AllBoxObjects(&TCustomDrawBox::PaintObjects, &r);
         if (ActScaleSet && ActScaleSet->Canvas()) SetWindowOrgEx(ActScaleSet->Canvas()->Handle(), 0, 0);
         if (!FDataModule->CompareLimits(kept)) State.Include(bsNewRange);
         if (State.Contains(bsNewRange)) CheckScrollRange();
@@ -424,7 +421,7 @@ void TCustomDrawBox::Paint() {
     State.Exclude(bsUpdateScrollbars);
 }
 
-void TCustomDrawBox::PaintObjects(TvlObject* AnyObject, void* Params) {
+void TCustomDrawBox::PaintObjects(TBoxObject* AnyObject, void* Params) {
     if (AnyObject->Nosy()) {
         TObjMessage msg;
         msg.Msg = msgObjPaint;
@@ -444,8 +441,9 @@ void TCustomDrawBox::DoAfterPaint() {
     TComponent* owner = Owner();
     if (!owner) return;
     for (int i = 0; i < owner->ComponentCount(); ++i) {
-        auto* creator = dynamic_cast<TvlCreator*>(owner->Components(i));
-        if (creator && creator->FDrawForm == this) creator->ReleaseResources();
+        auto* creator = dynamic_cast<TBoxCreator*>(owner->Components(i));
+        auto* env = dynamic_cast<TEnvironment*>(owner->Components(i));
+        if (creator && env && env->FDrawForm == this) creator->ReleaseResources();
     }
 }
 
@@ -541,24 +539,6 @@ void TvlDrawbox::CNKeyDown(TMessage& Message) {
 
 void TvlDrawbox::CNKeyUp(TMessage& Message) {
     Message.Result = 0;
-}
-
-// ---------------------------------------------------------------------------------------------
-// Tool lookup
-// ---------------------------------------------------------------------------------------------
-
-TvlCreator* FindCreatorByID(TComponent* Owner, std::int32_t ID) {
-    if (!Owner) return nullptr;
-    if (ID < 0) {
-        for (int i = Owner->ComponentCount() - 1; i >= 0; --i) {
-            auto* creator = dynamic_cast<TvlCreator*>(Owner->Components(i));
-            if (creator && static_cast<std::int16_t>(creator->GetID()) == static_cast<std::int16_t>(ID))
-                return creator;
-        }
-        return nullptr;
-    }
-    if (ID < Owner->ComponentCount()) return dynamic_cast<TvlCreator*>(Owner->Components(ID));
-    return nullptr;
 }
 
 } // namespace vl

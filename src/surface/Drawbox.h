@@ -5,14 +5,15 @@
 // the current tool turns logical positions into actions, the data module lists objects. The box owns
 // its scale setting, grid, shadow settings, application identity and its two local (ruler) objects;
 // it borrows its data module unless it made it itself (`bsOwnDataMod`), and it borrows its current
-// tool (`FTool`). Borrowed references are cleared when the component goes.
+// tool (`FTool`). Borrowed references are cleared when the component goes. It sees its data module,
+// its tool, the creators and the objects only through the faces of `surface/BoxLinks.h`.
 //
 // Every entry (paint, mouse, keys, `MoveObjects`, the end of `Loaded`) first makes the box's scale
 // setting the one in force, so that two boxes on one form alternate correctly.
 #pragma once
 
 #include "geometry/Vltypes.h"
-#include "objects/ObjectBase.h"
+#include "surface/BoxLinks.h"
 #include "surface/Scl12.h"
 
 #include <functional>
@@ -20,12 +21,9 @@
 
 namespace vl {
 
-class TMouseTool;
 class TScaleSetting;
 class TShadows;
 class TvlApplication;
-class TvlCreator;
-class TvlDataMod;
 class TvlGrid;
 
 // A filter and an action over the tools of the box's owner; the action may set `Done` to end the walk.
@@ -41,10 +39,14 @@ public:
     void Notification(TComponent* AComponent, TOperation Operation) override;
 
     // --- Properties -------------------------------------------------------------------------------
-    TMouseTool* Tool() const { return FTool; }
+    TBoxTool* Tool() const { return FTool; }
+    // Only a tool's `Activate` makes itself the current tool.
+    void SetTool(TBoxTool* Value) { FTool = Value; }
     TScaleSetting& ScaleSetting() { return *FScaleSetting; }
-    TvlObject* MouseFnd() const { return FMouseFnd; }
-    void SetMouseFnd(TvlObject* Value) { FMouseFnd = Value; }
+    // The object under the mouse, shared by all tools of the box. The data module clears it when
+    // that object leaves the drawing.
+    TBoxObject* MouseFnd() const { return FMouseFnd; }
+    void SetMouseFnd(TBoxObject* Value) { FMouseFnd = Value; }
     TCoordPnt AnchorPos() const { return FAnchor; }
     void SetAnchorPos(TCoordPnt Value) { FAnchor = Value; }
     bool ScrollAnchor() const { return FScrollAnchor; }
@@ -53,14 +55,14 @@ public:
     TColor clMarkPen() const { return FclMarkPen; }
     void SetclMarkPen(TColor Value) { FclMarkPen = Value; }
     TShadows& Shadows() { return *FShadows; }
-    TvlDataMod* DataModule() const { return FDataModule; }
-    void SetDataModule(TvlDataMod* Value) { FDataModule = Value; }
+    TBoxStore* DataModule() const { return FDataModule; }
+    void SetDataModule(TBoxStore* Value) { FDataModule = Value; }
     TvlApplication& App() { return *FApplication; }
-    TvlObject* ScaleHorz() const { return FScaleHorz.get(); }
-    TvlObject* ScaleVert() const { return FScaleVert.get(); }
+    TBoxObject* ScaleHorz() const { return FScaleHorz.get(); }
+    TBoxObject* ScaleVert() const { return FScaleVert.get(); }
     // The local objects are owned by the box; a new one replaces (and frees) the old.
-    void SetScaleHorz(std::unique_ptr<TvlObject> Value) { FScaleHorz = std::move(Value); }
-    void SetScaleVert(std::unique_ptr<TvlObject> Value) { FScaleVert = std::move(Value); }
+    void SetScaleHorz(std::unique_ptr<TBoxObject> Value) { FScaleHorz = std::move(Value); }
+    void SetScaleVert(std::unique_ptr<TBoxObject> Value) { FScaleVert = std::move(Value); }
     int ClipboardFmt() const { return FClipboardFmt; }
 
     TNotifyEvent OnScaleChange;
@@ -83,7 +85,7 @@ public:
     void SaveToFile(const QString& FileName);
     bool CanClose() const;
     // A new object of the creator for `ToolID`; raises when there is no such creator.
-    TvlObject* CreateObject(std::int16_t ToolID);
+    TBoxObject* CreateObject(std::int16_t ToolID);
 
     // The client rectangle in logical coordinates, not normalised.
     TRect GetClientRect_Log();
@@ -91,8 +93,8 @@ public:
     // A logical point in screen coordinates.
     TPoint LogToScreen(TPoint LogPnt);
 
-    virtual void AllLocalObjects(const TAllObjectsProc& Action, void* Params);
-    virtual TvlObject* FindLocalObject(const TFirstObjectFunc& Condition, void* Params);
+    virtual void AllLocalObjects(const TBoxObjectProc& Action, void* Params);
+    virtual TBoxObject* FindLocalObject(const TBoxObjectFunc& Condition, void* Params);
 
     void WithToolsDo(const TCompFilter& Filter, const TComponentProc& Action);
     static bool Creators(TComponent* AComponent);
@@ -133,25 +135,23 @@ protected:
     void DoBeforePaint();
     void DoAfterPaint();
     // Shows one object if it is visible and meets the limits at `Params`; tells a nosy one first.
-    static void PaintObjects(TvlObject* AnyObject, void* Params);
+    static void PaintObjects(TBoxObject* AnyObject, void* Params);
     // A device point in logical coordinates, mapped on the box's canvas.
     TPoint DevToLog(int X, int Y);
 
 private:
-    friend class TMouseTool;
-
-    TMouseTool* FTool = nullptr; // borrowed: the current tool
+    TBoxTool* FTool = nullptr; // borrowed: the current tool
     std::unique_ptr<TScaleSetting> FScaleSetting;
-    TvlObject* FMouseFnd = nullptr; // borrowed: the object under the mouse
+    TBoxObject* FMouseFnd = nullptr; // borrowed: the object under the mouse
     TCoordPnt FAnchor;
     bool FScrollAnchor = false;
     std::unique_ptr<TvlGrid> FGrid;
     TColor FclMarkPen = 255;
     std::unique_ptr<TShadows> FShadows;
-    TvlDataMod* FDataModule = nullptr; // borrowed, or the box's own with `bsOwnDataMod`
+    TBoxStore* FDataModule = nullptr; // borrowed, or the box's own with `bsOwnDataMod`
     std::unique_ptr<TvlApplication> FApplication;
-    std::unique_ptr<TvlObject> FScaleHorz;
-    std::unique_ptr<TvlObject> FScaleVert;
+    std::unique_ptr<TBoxObject> FScaleHorz;
+    std::unique_ptr<TBoxObject> FScaleVert;
     int FClipboardFmt = 0;
 };
 
@@ -167,10 +167,5 @@ protected:
     void CNKeyDown(TMessage& Message) override;
     void CNKeyUp(TMessage& Message) override;
 };
-
-// The creator of `Owner` for a class number: for a negative `ID` the last `TvlCreator` whose `GetID`
-// equals it (compared as 16-bit values); for 0 or more the component of that index if it is a
-// `TvlCreator`. Null otherwise.
-TvlCreator* FindCreatorByID(TComponent* Owner, std::int32_t ID);
 
 } // namespace vl

@@ -27,15 +27,13 @@ constexpr TNewID MaxNewID = -1;
 
 using TObjectClassEvent = std::function<void(TCapClass& NewObjectClass)>;
 using TObjectCheckEvent = std::function<void(TvlObject* CurrentObject, const TRect& PosRect, bool& found)>;
-using TObjectRefPointEvent = std::function<void(TvlObject* CurrentObject, TPoint& RefPoint)>;
 using TChangeIDEvent = std::function<void(TObject* Sender, TNewID& NewID)>;
-using TObjectShapeRgnEvent = std::function<void(TvlObject* CurrentObject, TRgnMode Mode, HRGN& Rgn)>;
 
 // The class a creator makes while no other is chosen. The point objects' module installs its point
 // object here; until then creators make plain objects.
 inline TCapClass DefaultObjectClass = &NewObjectOf<TvlObject>;
 
-class TvlCreator : public TSaveTool {
+class TvlCreator : public TSaveTool, public TObjectCreator {
 public:
     // Makes the generator (`CreateGenerator`) and sets the cursor to the cross.
     explicit TvlCreator(TComponent* AOwner);
@@ -56,9 +54,9 @@ public:
     // its own class.
     virtual void CreateGenerator();
     // Drops the generator's scaled font height, so that it is recomputed at the next use.
-    virtual void CheckScaling();
+    void CheckScaling() override;
     // Gives back the generator's font handle after a paint.
-    virtual void ReleaseResources();
+    void ReleaseResources() override;
     // `OnObjectSetData` if assigned, else `SetDefaultData`: the event switches the default off.
     virtual void ObjectSetData(TvlObject* CurObject);
     virtual void SetDefaultData(TvlObject* CurObject);
@@ -71,11 +69,11 @@ public:
 
     // --- Identity and objects -----------------------------------------------------------------------
     // `ChangeID`'s answer if assigned (starting from 0), else the index among the owner's components.
-    virtual std::int16_t GetID();
+    std::int16_t GetID() override;
     std::int16_t ID() { return GetID(); }
     // A new object of `GetObjectClass` for this tool: in no list, not drawn, without number. Raises
     // `Exception` when no class was chosen.
-    virtual TvlObject* CreateObject();
+    TvlObject* CreateObject() override;
     TCapClass GetObjectClass();
     // A slave of `AMaster`: made, linked, numbered, shown, given its data, added to the data module
     // and invalidated unless its data hid it.
@@ -83,25 +81,26 @@ public:
     // The same, placed at (`RelX`, `RelY`) from the master's corner.
     TvlObject* CreateSlaveAt(TvlObject* AMaster, std::int32_t RelX, std::int32_t RelY);
     // Pen, brush and font of the canvas in force for `CurObject`; `OnObjectSetColors` has the last word.
-    void ObjectColors(TvlObject* CurObject);
+    void ObjectColors(TvlObject* CurObject) override;
     // `OnObjectShape` if assigned.
     void ObjectShape(TvlObject* CurObject);
     // True unless `OnObjectCheckShape` refuses.
     bool ObjectCheckShape(TvlObject* CurObject, const TLimRec& Rect);
 
-    TCustomGenerator* Generator() const { return FGenerator.get(); }
+    TCustomGenerator* Generator() const override { return FGenerator.get(); }
+    TvlCreator* Creator() override { return this; }
+    TEnvironment* Environment() override { return this; }
     bool CreateBoxObjects() const { return FCreateBoxObjects; }
     void SetCreateBoxObjects(bool Value) { FCreateBoxObjects = Value; }
 
+    // `OnObjectDraw`, `OnCalcRefPoint` and `OnObjectShapeRgn` are the object-facing events of
+    // `TObjectCreator`.
     TObjectClassEvent OnObjectSetClass;
     TObjectEvent OnObjectShape;
-    TObjectEvent OnObjectDraw;
     TObjectEvent OnObjectSetColors;
     TObjectCheckEvent OnObjectCheckShape;
     TObjectEvent OnObjectSetData;
-    TObjectRefPointEvent OnCalcRefPoint;
     TChangeIDEvent ChangeID;
-    TObjectShapeRgnEvent OnObjectShapeRgn;
 
 protected:
     // Hands `AObject` to the data module in the generator's layer; the object is freed when the

@@ -13,20 +13,6 @@
 namespace vl {
 
 // ---------------------------------------------------------------------------------------------
-// TEnvironment
-// ---------------------------------------------------------------------------------------------
-
-void TEnvironment::Notification(TComponent* AComponent, TOperation Operation) {
-    TComponent::Notification(AComponent, Operation);
-    // A borrowed reference never outlives what it points to, at run time as at design time.
-    if (Operation == opRemove && AComponent == FDrawForm) FDrawForm = nullptr;
-    if (!ComponentState().Contains(csDesigning)) return;
-    if (Operation == opInsert && FDrawForm == nullptr) {
-        if (auto* box = dynamic_cast<TCustomDrawBox*>(AComponent)) FDrawForm = box;
-    }
-}
-
-// ---------------------------------------------------------------------------------------------
 // TMouseTool
 // ---------------------------------------------------------------------------------------------
 
@@ -42,7 +28,7 @@ bool IsLinkableButton(TControl* Control) {
 
 TMouseTool::~TMouseTool() {
     // A tool that goes while current leaves its box without a current tool.
-    if (FDrawForm && FDrawForm->Tool() == this) FDrawForm->FTool = nullptr;
+    if (FDrawForm && FDrawForm->Tool() == this) FDrawForm->SetTool(nullptr);
 }
 
 void TMouseTool::Notification(TComponent* AComponent, TOperation Operation) {
@@ -77,8 +63,8 @@ void TMouseTool::Terminate() {
 
 void TMouseTool::Activate(TObject*) {
     if (!FDrawForm) return;
-    if (FDrawForm->FTool) FDrawForm->FTool->Terminate();
-    FDrawForm->FTool = this;
+    if (TBoxTool* former = FDrawForm->Tool()) former->Terminate();
+    FDrawForm->SetTool(this);
     FDrawForm->SetCursor(FCursor);
     ActScaleSet = &FDrawForm->ScaleSetting();
     if (OnActivate) OnActivate(this);
@@ -115,7 +101,7 @@ void TMouseTool::SetDefaultTool() {
 // ---------------------------------------------------------------------------------------------
 
 TvlDataMod* TSaveTool::GetDataModule() const {
-    return FDrawForm ? FDrawForm->DataModule() : nullptr;
+    return FDrawForm ? dynamic_cast<TvlDataMod*>(FDrawForm->DataModule()) : nullptr;
 }
 
 TLimRec* TSaveTool::GetRestoreRect() const {
@@ -129,7 +115,7 @@ TCapList* TSaveTool::GetMarkSave() const {
 }
 
 TvlObject* TSaveTool::GetMouseFnd() const {
-    return FDrawForm ? FDrawForm->MouseFnd() : nullptr;
+    return FDrawForm ? dynamic_cast<TvlObject*>(FDrawForm->MouseFnd()) : nullptr;
 }
 
 void TSaveTool::SetMouseFnd(TvlObject* Value) {

@@ -1,14 +1,15 @@
-// The link of a non-visual component to its draw box (`TEnvironment`), and the tool surface through
-// which the draw box hands mouse and key events to its current tool (`TMouseTool`, `TSaveTool`).
+// The tool base: the tool surface through which the draw box hands mouse and key events to its current
+// tool (`TMouseTool`, `TSaveTool`). The box sees a tool only as its `TBoxTool`.
 //
 // A tool belongs to the box named in `FDrawForm` (borrowed). Exactly one tool of a box is current,
-// or none: the box holds it in `FTool`, written by `Activate`. Positions given to a tool are logical;
-// the box has mapped them. A tool may be linked to a button control (`Button`, borrowed) whose click
-// activates it. The object under the mouse (`MouseFnd`) is kept by the box, not by the tool, so all
-// tools of a box share it and it survives a change of tool.
+// or none: the box holds it in `FTool`, set by `Activate` through the box's `SetTool`. Positions given to a
+// tool are logical; the box has mapped them. A tool may be linked to a button control (`Button`, borrowed)
+// whose click activates it. The object under the mouse (`MouseFnd`) is kept by the box, not by the tool, so
+// all tools of a box share it and it survives a change of tool.
 #pragma once
 
 #include "geometry/Vltypes.h"
+#include "objects/ObjectLinks.h"
 #include "platform/core/Classes.h"
 #include "platform/core/Sets.h"
 #include "platform/core/WinApi.h"
@@ -25,43 +26,14 @@ class TCustomDrawBox;
 class TvlDataMod;
 class TvlObject;
 
-class TEnvironment : public TComponent {
-public:
-    explicit TEnvironment(TComponent* AOwner) : TComponent(AOwner) {}
-
-    TCustomDrawBox* DrawForm() const { return FDrawForm; }
-    void SetDrawForm(TCustomDrawBox* Value) { FDrawForm = Value; }
-
-    // Forgets a removed draw box; at design time takes an inserted one while it has none.
-    void Notification(TComponent* AComponent, TOperation Operation) override;
-
-    TCustomDrawBox* FDrawForm = nullptr; // borrowed: the draw box served
-};
-
-// The state of a tool's gesture, one byte. `tsWaiting` is never set; it keeps the other bits at
-// their places.
-enum class TToolStateFlag : std::uint8_t { tsWaiting, tsWorking, tsMoving, tsCanScroll };
-using enum TToolStateFlag;
-using TToolState = TFlagSet<TToolStateFlag, std::uint8_t, 0x0F>;
-
-enum class TToolOption : std::uint8_t { toDefaultTool, toDontScroll };
-using enum TToolOption;
-using TToolOptions = TFlagSet<TToolOption, std::uint8_t, 0x03>;
-
-// One of the box's scroll steps, handed to a tool's `Scroll`.
-using TScrollProc = std::function<void()>;
-
 // The events of the object-under-the-mouse protocol.
 using TObjectFoundEvent = std::function<void(TvlObject* CurrentObject, bool& Accept)>;
-using TObjectEvent = std::function<void(TvlObject* CurrentObject)>;
 
-class TMouseTool : public TEnvironment {
+class TMouseTool : public TBoxTool {
 public:
-    explicit TMouseTool(TComponent* AOwner) : TEnvironment(AOwner) {}
+    explicit TMouseTool(TComponent* AOwner) : TBoxTool(AOwner) {}
     ~TMouseTool() override;
 
-    TToolOptions Options() const { return FOptions; }
-    void SetOptions(TToolOptions Value) { FOptions = Value; }
     // The cursor of the box while the tool is current. A change takes effect at the next `Activate`
     // (or `ObjectRelease`), not at once.
     TCursor Cursor() const { return FCursor; }
@@ -80,38 +52,36 @@ public:
     void Notification(TComponent* AComponent, TOperation Operation) override;
 
     // Activates the tool if it is the default tool.
-    virtual void Init();
+    void Init() override;
     // Frees the cursor and fires `OnTerminate`. The tool state stays as it is.
-    virtual void Terminate();
+    void Terminate() override;
     // Makes the tool the box's current tool: the previous one (this one too) terminates, the box
     // takes the tool's cursor, `ActScaleSet` becomes the box's, `OnActivate` fires with the tool as
     // sender. Nothing at all without a draw box.
-    virtual void Activate(TObject* Sender);
-    virtual void LMouseDown(TShiftState Shift, const TPoint& CurPos);
-    virtual void LMouseUp(TShiftState Shift, const TPoint& CurPos);
-    virtual void MouseMove(TShiftState Shift, const TPoint& CurPos);
-    virtual void LeftDblClk(TShiftState Shift, const TPoint& CurPos);
+    void Activate(TObject* Sender) override;
+    void LMouseDown(TShiftState Shift, const TPoint& CurPos) override;
+    void LMouseUp(TShiftState Shift, const TPoint& CurPos) override;
+    void MouseMove(TShiftState Shift, const TPoint& CurPos) override;
+    void LeftDblClk(TShiftState Shift, const TPoint& CurPos) override;
     // Returns to the default tool.
-    virtual void RMouseDown(TShiftState Shift, const TPoint& CurPos);
-    virtual void RMouseUp(TShiftState Shift, const TPoint& CurPos);
+    void RMouseDown(TShiftState Shift, const TPoint& CurPos) override;
+    void RMouseUp(TShiftState Shift, const TPoint& CurPos) override;
     // The box never calls it; a descendant may.
-    virtual void RightDblClk(TShiftState Shift, const TPoint& CurPos);
-    virtual bool KeyDown(std::uint16_t& aKey, TShiftState aShift);
-    virtual bool KeyUp(std::uint16_t& aKey, TShiftState aShift);
+    void RightDblClk(TShiftState Shift, const TPoint& CurPos) override;
+    bool KeyDown(std::uint16_t& aKey, TShiftState aShift) override;
+    bool KeyUp(std::uint16_t& aKey, TShiftState aShift) override;
     // Does nothing, and in particular does not call `ScrollProc`; a tool that wants the window to
     // move calls it.
-    virtual void Scroll(const TScrollProc& ScrollProc, const TPoint& CurPos);
+    void Scroll(const TScrollProc& ScrollProc, const TPoint& CurPos) override;
 
     // Unless this is the default tool, asks the box to activate its default tool.
     void SetDefaultTool();
 
     TNotifyEvent OnActivate;
     TNotifyEvent OnTerminate;
-    TToolState ToolState;
 
 protected:
     TControl* FButton = nullptr; // borrowed
-    TToolOptions FOptions;
     TCursor FCursor = crDefault;
 };
 

@@ -5,7 +5,6 @@
 #pragma once
 
 #include "objects/Generators.h"
-#include "objects/HostRoutines.h"
 #include "objects/TvlObject.h"
 #include "platform/core/Streams.h"
 #include "platform/gdi/Gdi.h"
@@ -19,6 +18,7 @@
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
 #include "tools/CreatorBase.h"
+#include "tools/HostRoutines.h"
 
 #include <QApplication>
 #include <QScreen>

@@ -103,7 +103,7 @@ TEST_F(Creator, FindCreatorByIDResolvesIndexesAndHostIDs) {
 
 TEST_F(Creator, TheBoxCreatesObjectsByToolID) {
     auto* c = AddTool<TSquareCreator>();
-    std::unique_ptr<TvlObject> o(Box->CreateObject(c->GetID()));
+    std::unique_ptr<TvlObject> o(static_cast<TvlObject*>(Box->CreateObject(c->GetID())));
     EXPECT_EQ(o->Tool(), c);
     EXPECT_THROW(Box->CreateObject(-5), Exception);
 }

@@ -362,7 +362,7 @@ TEST_F(BoxCore, FindCreatorByIdTakesAnIndexOfZeroOrMore) {
 TEST_F(BoxCore, CreateObjectAsksTheCreatorOfTheId) {
     TvlDrawbox* box = MakeBox(QStringLiteral("Box1"));
     new TStandInCreator(Form.get(), -9);
-    std::unique_ptr<TvlObject> obj(box->CreateObject(-9));
+    std::unique_ptr<TBoxObject> obj(box->CreateObject(-9));
     EXPECT_NE(dynamic_cast<TStandInObject*>(obj.get()), nullptr);
     EXPECT_THROW(box->CreateObject(-10), Exception);
 }

@@ -1,4 +1,4 @@
-#include "objects/HostRoutines.h"
+#include "tools/HostRoutines.h"
 
 #include "surface/Drawbox.h"
 #include "surface/Grid.h"
@@ -19,13 +19,13 @@ void Silently(F&& Work) {
 
 // The box of the object's tool; raises when a link of the chain is missing.
 TCustomDrawBox& BoxOf(TvlObject* Obj) {
-    if (!Obj || !Obj->Tool() || !Obj->Tool()->FDrawForm)
-        throw Exception(QStringLiteral("Object without a box"));
-    return *Obj->Tool()->FDrawForm;
+    TCustomDrawBox* box = Obj ? Obj->DrawForm() : nullptr;
+    if (!box) throw Exception(QStringLiteral("Object without a box"));
+    return *box;
 }
 
 TvlDataMod& DataModOf(TvlObject* Obj) {
-    TvlDataMod* dm = Obj->GetDataModule();
+    auto* dm = dynamic_cast<TvlDataMod*>(Obj->GetDataModule());
     if (!dm) throw Exception(QStringLiteral("Object without a data module"));
     return *dm;
 }
