@@ -16,6 +16,13 @@ namespace {
 
 constexpr std::int32_t MaxListBytes = 0x7FFFFFFF;
 
+// The growth step for a list of `Capacity` records.
+std::int64_t GrowthDelta(std::int64_t Capacity) {
+    if (Capacity < 9) return 4;
+    if (Capacity < 65) return 16;
+    return Capacity / 4;
+}
+
 // A record compared as a string of 2-byte characters (little-endian), as far as the record's own
 // bytes go: equal up to the first NUL character, or equal over the whole record. A character cut
 // in half by an odd record size is completed with a zero high byte.
@@ -54,20 +61,13 @@ void TRecordList::SetRecSize(std::uint16_t RecSize) {
     FCount = 0;
     FCapacity = 0;
     FList.reset();
-    FBlockSize = 0;
+    FAllocated = 0;
     FRecSize = RecSize;
     FMaxCapacity = maxCapacity;
 }
 
 void TRecordList::Grow() {
-    std::int64_t delta;
-    if (FCapacity < 9)
-        delta = 4;
-    else if (FCapacity < 65)
-        delta = 16;
-    else
-        delta = FCapacity / 4;
-    const std::int64_t value = FCapacity + delta;
+    const std::int64_t value = FCapacity + GrowthDelta(FCapacity);
     if (value > std::numeric_limits<std::int32_t>::max()) {
         Error(msg::ListCapacityError, std::numeric_limits<std::int32_t>::max());
         return;
@@ -80,21 +80,44 @@ void TRecordList::Error(TListErrorMsg Msg, std::int32_t Data) {
 }
 
 void TRecordList::SetCapacity(std::int32_t Value) {
+    ChangeCapacity(Value, true);
+}
+
+void TRecordList::ChangeCapacity(std::int32_t Value, bool AllocateAll) {
     if (Value < FCount || Value > FMaxCapacity) Error(msg::ListCapacityError, Value);
     // When a descendant's `Error` returns, the reallocation still takes place; a capacity below the
     // count then cuts the list, and a negative one empties it.
     const std::int32_t capacity = std::max(Value, 0);
-    const std::size_t bytes = static_cast<std::size_t>(capacity) * FRecSize;
-    if (capacity == FCapacity && bytes == FBlockSize) return;
+    const std::int32_t count = std::min(FCount, capacity);
+    if (AllocateAll) {
+        if (capacity == FCapacity) return;
+        Reallocate(capacity);
+    } else {
+        Reallocate(count);
+    }
+    FCapacity = capacity;
+    FCount = count;
+}
+
+void TRecordList::Reallocate(std::int32_t Records) {
+    if (Records == FAllocated) return;
+    const std::size_t bytes = static_cast<std::size_t>(Records) * FRecSize;
     std::unique_ptr<std::uint8_t[]> block;
     if (bytes != 0) {
         block = std::make_unique<std::uint8_t[]>(bytes); // zeroed
-        if (FList) std::memcpy(block.get(), FList.get(), std::min(bytes, FBlockSize));
+        if (FList)
+            std::memcpy(block.get(), FList.get(),
+                        std::min(bytes, static_cast<std::size_t>(FAllocated) * FRecSize));
     }
     FList = std::move(block);
-    FBlockSize = bytes;
-    FCapacity = capacity;
-    FCount = std::min(FCount, FCapacity);
+    FAllocated = Records;
+}
+
+void TRecordList::Reserve(std::int32_t Records) {
+    if (Records <= FAllocated) return;
+    const std::int64_t stepped = FAllocated + GrowthDelta(FAllocated);
+    Reallocate(static_cast<std::int32_t>(
+        std::min<std::int64_t>(FCapacity, std::max<std::int64_t>(Records, stepped))));
 }
 
 void TRecordList::SetCount(std::int32_t Value) {
@@ -106,9 +129,10 @@ void TRecordList::SetCount(std::int32_t Value) {
     if (Value > FCount) {
         // `Get(FCount)` checks an index that is not yet in use and raises: a list shrinks through
         // `Count` but doesn't grow. Only a descendant whose `Error` returns gets past it.
-        void* first = Get(FCount);
+        Get(FCount);
         if (Value > FCapacity) return;
-        std::memset(first, 0, static_cast<std::size_t>(Value - FCount) * FRecSize);
+        Reserve(Value);
+        std::memset(RecordAt(FCount), 0, static_cast<std::size_t>(Value - FCount) * FRecSize);
     }
     FCount = Value;
 }
@@ -116,8 +140,10 @@ void TRecordList::SetCount(std::int32_t Value) {
 void* TRecordList::Get(std::int32_t Index) {
     if (!IndexValid(Index)) {
         Error(msg::ListIndexError, Index);
-        // A descendant's `Error` may return; a place outside the block is never handed out.
+        // A descendant's `Error` may return; a place outside the capacity is never handed out, and
+        // one inside it is allocated first.
         if (Index < 0 || Index >= FCapacity) throw EListError(msg::ListIndexError(Index));
+        Reserve(Index + 1);
     }
     return RecordAt(Index);
 }
@@ -126,7 +152,7 @@ std::int32_t TRecordList::Add(const void* Rec) {
     // A record from inside the block would move with a reallocation: take a copy first.
     std::vector<std::uint8_t> copy;
     const auto* src = static_cast<const std::uint8_t*>(Rec);
-    if (FList && src >= FList.get() && src < FList.get() + FBlockSize) {
+    if (FList && src >= FList.get() && src < FList.get() + AllocatedBytes()) {
         copy.assign(src, src + FRecSize);
         src = copy.data();
     }
@@ -135,6 +161,7 @@ std::int32_t TRecordList::Add(const void* Rec) {
         Error(msg::ListCapacityError, FCapacity);
         return -1;
     }
+    Reserve(FCount + 1);
     std::memcpy(RecordAt(FCount), src, FRecSize);
     return FCount++;
 }
@@ -193,7 +220,7 @@ void TRecordList::Insert(std::int32_t Index, const void* Rec) {
     }
     std::vector<std::uint8_t> copy;
     const auto* src = static_cast<const std::uint8_t*>(Rec);
-    if (FList && src >= FList.get() && src < FList.get() + FBlockSize) {
+    if (FList && src >= FList.get() && src < FList.get() + AllocatedBytes()) {
         copy.assign(src, src + FRecSize);
         src = copy.data();
     }
@@ -202,6 +229,7 @@ void TRecordList::Insert(std::int32_t Index, const void* Rec) {
         Error(msg::ListCapacityError, FCapacity);
         return;
     }
+    Reserve(FCount + 1);
     if (Index < FCount) {
         // Both places go through `Get` and its check against the old count: at `Count - 1` the
         // second one raises.
@@ -268,21 +296,16 @@ void TRecordList::LoadFromStream(TStream& Stream) {
         return;
     }
     if (count < 0) throw EReadError(QString::fromLatin1(msg::ReadError));
-    std::int32_t capacity = Stream.ReadInt32();
+    const std::int32_t capacity = Stream.ReadInt32();
     const std::int64_t bytes = static_cast<std::int64_t>(count) * FRecSize;
-    const std::int64_t remaining = Stream.Remaining();
-    if (bytes > remaining) throw EReadError(QString::fromLatin1(msg::ReadError));
-    // A sane capacity is kept, but its reserve beyond the records may not drive an allocation
-    // beyond both what can follow in the stream and the reserve that growth would have made.
-    if (capacity >= count && capacity <= FMaxCapacity) {
-        const std::int64_t limit =
-            std::max<std::int64_t>(static_cast<std::int64_t>(count) + 16 + count / 4, remaining / FRecSize);
-        capacity = static_cast<std::int32_t>(std::min<std::int64_t>(capacity, limit));
-    }
+    if (bytes > Stream.Remaining()) throw EReadError(QString::fromLatin1(msg::ReadError));
+    // The stored capacity becomes the list's, so that the list saves the same bytes again, but only
+    // the stored records, which the stream has been seen to hold, are allocated: the reserve is
+    // allocated as the list grows into it.
     const std::int32_t oldCount = FCount;
     FCount = count;
     try {
-        SetCapacity(capacity);
+        ChangeCapacity(capacity, false);
     } catch (...) {
         FCount = std::min(oldCount, FCapacity);
         throw;

@@ -2,8 +2,10 @@
 //
 // Where `TList` holds pointers, `TRecordList` holds the bytes themselves and writes itself to a
 // stream in one piece, with its record size in front when it goes through `Persist`. The list owns
-// its block. Invariants: `0 <= Count <= Capacity <= MaxCapacity`, and the block holds
-// `Capacity * RecSize` bytes.
+// its block. Invariants: `0 <= Count <= allocated records <= Capacity <= MaxCapacity`. The block
+// holds the whole capacity except after a load: a stored reserve beyond the stored records is kept
+// as the capacity, so that the list saves the same bytes again, but it is allocated only as the
+// list grows into it.
 //
 // Some behaviour is settled and relied upon by callers:
 // - `SetCount` can shrink a list but not grow it: zeroing the new records starts at `Get(Count)`,
@@ -22,8 +24,8 @@
 //
 // The stream form is the count, and when it is not 0 the capacity and the records. A load checks
 // that the records can follow before it allocates (`EReadError` otherwise, also for a negative
-// count), applies `SetCapacity`'s checks to the stored capacity, and keeps the stored reserve beyond
-// the count only up to what the rest of the stream or the growth steps could account for.
+// count), applies `SetCapacity`'s checks to the stored capacity and takes it as the capacity, but
+// allocates no more than the stored records.
 #pragma once
 
 #include "geometry/Vltypes.h"
@@ -93,7 +95,8 @@ public:
 protected:
     // Sets the record size and the largest capacity that it allows.
     void SetRecSize(std::uint16_t RecSize);
-    // The record's place without the index check, for indexes inside the block.
+    // The record's place without the index check, for indexes below the allocated records (at least
+    // those below `Count`).
     std::uint8_t* RecordAt(std::int32_t Index) const {
         return FList.get() + static_cast<std::size_t>(Index) * FRecSize;
     }
@@ -105,10 +108,18 @@ protected:
     std::int32_t FMaxCapacity = 0;
 
 private:
-    // Bytes allocated in `FList`; follows `FCapacity * FRecSize` but stays right when a load
-    // changes the record size under an existing block.
-    std::size_t FBlockSize = 0;
+    // Records allocated in `FList`: from `FCount` up to `FCapacity`.
+    std::int32_t FAllocated = 0;
     bool IndexValid(std::int32_t Index) const { return Index >= 0 && Index < FCount; }
+    std::size_t AllocatedBytes() const { return static_cast<std::size_t>(FAllocated) * FRecSize; }
+    // Takes `Value` as the capacity after `SetCapacity`'s checks. `AllocateAll` allocates all of it
+    // when it differs from the capacity; otherwise the block is cut to the records in use.
+    void ChangeCapacity(std::int32_t Value, bool AllocateAll);
+    // Makes the block hold exactly `Records` records, keeping those that both sizes hold.
+    void Reallocate(std::int32_t Records);
+    // Allocates at least `Records` records (at most `Capacity`) in steps like `Grow`'s, so that
+    // filling a stored reserve one record at a time costs amortised constant time.
+    void Reserve(std::int32_t Records);
 };
 
 } // namespace vl

@@ -7,6 +7,12 @@
 
 #include <array>
 #include <cstring>
+#include <new>
+#include <vector>
+
+#if defined(__linux__)
+#include <sys/resource.h>
+#endif
 
 using namespace vl;
 
@@ -574,19 +580,6 @@ TEST(RecordListStream, StoredCapacityAboveTheLargestRaisesCapacityError) {
     EXPECT_EQ(list.Count(), 0);
 }
 
-TEST(RecordListStream, StoredReserveIsBoundedByTheRecordsThatFollow) {
-    // One record, a capacity of a million and nothing after the record: the reserve is cut to what
-    // growth would have made.
-    TRecordList list(1);
-    TMemoryStream stream(QByteArray::fromHex("01000000"
-                                             "40420f00"
-                                             "2a"));
-    list.LoadFromStream(stream);
-    EXPECT_EQ(list.Count(), 1);
-    EXPECT_EQ(list.Capacity(), 17);
-    EXPECT_EQ(list.List()[0], 0x2A);
-}
-
 TEST(RecordListStream, ModestReserveIsKept) {
     TRecordList list(1);
     TMemoryStream stream(QByteArray::fromHex("01000000"
@@ -594,4 +587,158 @@ TEST(RecordListStream, ModestReserveIsKept) {
                                              "2a"));
     list.LoadFromStream(stream);
     EXPECT_EQ(list.Capacity(), 4);
+}
+
+namespace {
+
+// A list that grew to 118 records through `Add` and then shrank to 5 through `SetCount`: 4, 8, 12,
+// 28, 44, 60, 76, 95, 118.
+void FillGrownThenShrunk(TRecordList& list) {
+    Fill(list, 100);
+    ASSERT_EQ(list.Capacity(), 118);
+    list.SetCount(5);
+}
+
+} // namespace
+
+TEST(RecordListStream, StoredCapacityIsKeptSoThatLoadAndSaveGiveTheSameBytes) {
+    TRecordList list(4);
+    FillGrownThenShrunk(list);
+    TMemoryStream saved;
+    list.Persist(saved, TPstMode::pstSave);
+    EXPECT_EQ(saved.Bytes(), QByteArray::fromHex("0400"
+                                                 "05000000"
+                                                 "76000000"
+                                                 "01000000"
+                                                 "02000000"
+                                                 "03000000"
+                                                 "04000000"
+                                                 "05000000"));
+    saved.SetPosition(0);
+    TRecordList loaded(saved);
+    EXPECT_EQ(loaded.Count(), 5);
+    EXPECT_EQ(loaded.Capacity(), 118);
+    TMemoryStream again;
+    loaded.Persist(again, TPstMode::pstSave);
+    EXPECT_EQ(again.Bytes(), saved.Bytes());
+}
+
+TEST(RecordListStream, ListLoadedWithAReserveGrowsIntoIt) {
+    TRecordList list(4);
+    TMemoryStream stream(QByteArray::fromHex("03000000"
+                                             "64000000"
+                                             "010000000200000003000000"));
+    list.LoadFromStream(stream);
+    EXPECT_EQ(list.Capacity(), 100);
+    const Rec4 nine = R4(9);
+    list.Insert(0, nine.data());
+    for (int i = 4; i < 100; ++i) {
+        const Rec4 r = R4(static_cast<std::uint8_t>(i));
+        list.Add(r.data());
+    }
+    EXPECT_EQ(list.Count(), 100);
+    EXPECT_EQ(list.Capacity(), 100); // no growth step while the stored reserve lasts
+    std::vector<int> expected{9, 1, 2, 3};
+    for (int i = 4; i < 100; ++i) expected.push_back(i);
+    EXPECT_EQ(FirstBytes(list), expected);
+    list.Add(nine.data());
+    EXPECT_EQ(list.Capacity(), 125);
+}
+
+TEST(RecordListStream, CapacityOperationsWorkOnTheStoredReserve) {
+    TMemoryStream stream(QByteArray::fromHex("02000000"
+                                             "0a000000"
+                                             "0100000002000000"));
+    TRecordList list(4);
+    list.LoadFromStream(stream);
+    list.Grow();
+    EXPECT_EQ(list.Capacity(), 26);
+    ExpectListError([&] { list.SetCount(20); }, msg::ListIndexError(2));
+    EXPECT_EQ(list.Count(), 2);
+    list.SetCapacity(2);
+    EXPECT_EQ(list.Capacity(), 2);
+    EXPECT_EQ(FirstBytes(list), (std::vector<int>{1, 2}));
+    list.Clear();
+    EXPECT_EQ(list.Capacity(), 0);
+    EXPECT_EQ(list.List(), nullptr);
+}
+
+TEST(RecordListStream, LenientCountGrowthIntoTheStoredReserveIsZeroed) {
+    TMemoryStream stream(QByteArray::fromHex("01000000"
+                                             "32000000"
+                                             "07070707"));
+    TLenientList list(4);
+    list.LoadFromStream(stream);
+    list.SetCount(40);
+    EXPECT_EQ(list.Errors, 1);
+    EXPECT_EQ(list.Count(), 40);
+    EXPECT_EQ(list.Capacity(), 50);
+    std::vector<int> expected(40, 0);
+    expected[0] = 7;
+    EXPECT_EQ(FirstBytes(list), expected);
+}
+
+namespace {
+
+// The peak resident memory of this process in bytes, or 0 where it can't be asked.
+long long PeakResidentBytes() {
+#if defined(__linux__)
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return static_cast<long long>(usage.ru_maxrss) * 1024;
+#else
+    return 0;
+#endif
+}
+
+} // namespace
+
+TEST(RecordListStream, HugeStoredCapacityIsKeptWithoutAllocatingIt) {
+    // One record with the largest capacity for 8-byte records: 2 GiB that the stream can't back.
+    TRecordList list(8);
+    TMemoryStream stream(QByteArray::fromHex("01000000"
+                                             "ffffff0f"
+                                             "0102030405060708"));
+    const long long peakBefore = PeakResidentBytes();
+    try {
+        list.LoadFromStream(stream);
+    } catch (const std::bad_alloc&) {
+        FAIL() << "the stored capacity was allocated";
+    }
+    EXPECT_LT(PeakResidentBytes() - peakBefore, 64LL << 20);
+    EXPECT_EQ(list.Count(), 1);
+    EXPECT_EQ(list.Capacity(), 0x0FFFFFFF);
+    EXPECT_EQ(list.Capacity(), list.MaxCapacity());
+    const std::array<std::uint8_t, 8> next{9, 10, 11, 12, 13, 14, 15, 16};
+    for (int i = 0; i < 1000; ++i) EXPECT_EQ(list.Add(next.data()), i + 1);
+    EXPECT_EQ(list.Count(), 1001);
+    EXPECT_EQ(list.Capacity(), 0x0FFFFFFF);
+    EXPECT_EQ(static_cast<std::uint8_t*>(list.Get(0))[7], 8);
+    EXPECT_EQ(static_cast<std::uint8_t*>(list.Get(1000))[7], 16);
+    EXPECT_LT(PeakResidentBytes() - peakBefore, 64LL << 20);
+    TMemoryStream saved;
+    list.SaveToStream(saved);
+    EXPECT_EQ(saved.Bytes().left(8), QByteArray::fromHex("e9030000"
+                                                         "ffffff0f"));
+    EXPECT_EQ(saved.Size(), 8 + 1001 * 8);
+}
+
+TEST(RecordListStream, LenientStoredCapacityAboveTheLargestIsKeptWithoutAllocatingIt) {
+    // A descendant's `Error` returns, so the stored capacity is taken although it is one above the
+    // largest for 2-byte records.
+    TLenientList list(2);
+    TMemoryStream stream(QByteArray::fromHex("01000000"
+                                             "00000040"
+                                             "0102"));
+    const long long peakBefore = PeakResidentBytes();
+    try {
+        list.LoadFromStream(stream);
+    } catch (const std::bad_alloc&) {
+        FAIL() << "the stored capacity was allocated";
+    }
+    EXPECT_LT(PeakResidentBytes() - peakBefore, 64LL << 20);
+    EXPECT_EQ(list.Errors, 1);
+    EXPECT_EQ(list.Count(), 1);
+    EXPECT_EQ(list.Capacity(), 0x40000000);
+    EXPECT_EQ(list.List()[1], 2);
 }
