@@ -23,15 +23,22 @@ std::int64_t GrowthDelta(std::int64_t Capacity) {
     return Capacity / 4;
 }
 
-// A record compared as a string of 2-byte characters (little-endian), as far as the record's own
-// bytes go: equal up to the first NUL character, or equal over the whole record. A character cut
-// in half by an odd record size is completed with a zero high byte.
-bool SameCharacters(const std::uint8_t* a, const std::uint8_t* b, std::uint16_t size) {
-    for (std::size_t i = 0; i < size; i += 2) {
-        const bool whole = i + 1 < size;
-        const unsigned ca = a[i] | (whole ? a[i + 1] << 8 : 0);
-        const unsigned cb = b[i] | (whole ? b[i + 1] << 8 : 0);
-        if (ca != cb) return false;
+// The little-endian 2-byte character at byte `Offset` of `Size` bytes; bytes at or beyond `Size`
+// read as zero.
+unsigned CharacterAt(const std::uint8_t* Bytes, std::size_t Size, std::size_t Offset) {
+    const unsigned low = Offset < Size ? Bytes[Offset] : 0u;
+    const unsigned high = Offset + 1 < Size ? Bytes[Offset + 1] : 0u;
+    return low | high << 8;
+}
+
+// The string compare of `Characters` 2-byte characters that stops at the first NUL character, of
+// `a` (`aSize` bytes readable) with `b` (`bSize` bytes readable); bytes beyond either size compare
+// as zero. Equal when the two agree up to a NUL character or over all the characters.
+bool SameCharacters(const std::uint8_t* a, std::size_t aSize, const std::uint8_t* b, std::size_t bSize,
+                    std::size_t Characters) {
+    for (std::size_t i = 0; i < Characters; ++i) {
+        const unsigned ca = CharacterAt(a, aSize, 2 * i);
+        if (ca != CharacterAt(b, bSize, 2 * i)) return false;
         if (ca == 0) return true;
     }
     return true;
@@ -267,12 +274,18 @@ void TRecordList::Move(std::int32_t CurIndex, std::int32_t NewIndex) {
 
 std::int32_t TRecordList::IndexOf(const void* Rec) {
     // `Rec` holds the address of a variable that holds the address of the sought bytes. The
-    // comparison is a string comparison of at most `RecSize` 2-byte characters that stops at a NUL
-    // character; it is confined to the record's own bytes, and records that agree over all of them
-    // count as equal.
+    // comparison is a string comparison of `RecSize` 2-byte characters, twice the record's bytes,
+    // that stops at a NUL character. On the list's side a record without a NUL character is
+    // followed into the next records of the block, including those beyond the count; beyond the
+    // end of the block the bytes compare as zero. The caller passes one record, so the sought
+    // bytes beyond `RecSize` compare as zero too: a record without a NUL character matches only
+    // where the bytes after it in the block start with a NUL character.
     const auto* sought = *static_cast<const std::uint8_t* const*>(Rec);
-    for (std::int32_t i = 0; i < FCount; ++i)
-        if (SameCharacters(RecordAt(i), sought, FRecSize)) return i;
+    const std::size_t blockBytes = AllocatedBytes();
+    for (std::int32_t i = 0; i < FCount; ++i) {
+        const std::size_t start = static_cast<std::size_t>(i) * FRecSize;
+        if (SameCharacters(RecordAt(i), blockBytes - start, sought, FRecSize, FRecSize)) return i;
+    }
     return -1;
 }
 

@@ -12,8 +12,9 @@
 //   whose index check raises the list index error.
 // - `Insert` checks both of its block positions through `Get` against the old count, so an insert
 //   at `Count` or `Count - 1` raises the list index error; lists grow at their end with `Add`.
-// - `IndexOf` compares records as strings of 2-byte characters up to the first NUL character: a
-//   prefix test. `Find` is the exact search.
+// - `IndexOf` compares records as strings of `RecSize` 2-byte characters, twice the record's
+//   bytes, up to the first NUL character: a prefix test that runs on into the following records of
+//   the block when a record holds no NUL character. `Find` is the exact search.
 // - `Move(i, i)` does nothing and checks nothing. A move that `Insert` refuses raises and leaves the
 //   record where it was.
 //
@@ -76,7 +77,7 @@ public:
     void* Get(std::int32_t Index);
     void Insert(std::int32_t Index, const void* Rec);
     void Move(std::int32_t CurIndex, std::int32_t NewIndex);
-    // `Rec` points to a variable that holds the address of the sought bytes.
+    // `Rec` points to a variable that holds the address of the sought bytes: `RecSize` of them.
     std::int32_t IndexOf(const void* Rec);
     // The first index for which `Func(record, Item)` is true; -1 if none or the list is empty.
     std::int32_t Find(const TFindFunc& Func, const void* Item);

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 using namespace vl;
 
 TEST(PointList, HoldsEightByteRecords) {
@@ -88,6 +90,35 @@ TEST(PointList, IndexOfStopsAtTheFirstNulCharacter) {
     zero.Add(Point(0, 9));
     EXPECT_EQ(zero.IndexOf(Point(0, 42)), 1);
     EXPECT_EQ(zero.IndexOf(Point(4, 3)), -1);
+}
+
+TEST(PointList, IndexOfOfAPointWithoutANulCharacterRunsIntoTheNextRecord) {
+    // (65538, 196612) is the characters 0x0002, 0x0001, 0x0004, 0x0003: none is NUL, so the
+    // compare takes all 8 of the record's characters and goes on into the next record, against
+    // zeros on the sought side. The point is found only where the record after it starts with a
+    // NUL character.
+    const TPoint p = Point(65538, 196612);
+    TPointList list;
+    list.Add(p);
+    list.Add(Point(65539, 7)); // starts with 0x0003
+    EXPECT_EQ(list.IndexOf(p), -1);
+    TPointList followedByNul;
+    followedByNul.Add(p);
+    followedByNul.Add(Point(65536, 7)); // starts with 0x0000
+    EXPECT_EQ(followedByNul.IndexOf(p), 0);
+}
+
+TEST(PointList, IndexOfOfTheLastPointOfAFullBlockReadsZerosBeyondIt) {
+    // Four points fill the block. The last one's compare runs beyond the block's end, where the
+    // bytes compare as zero, so it ends at a NUL there; the others run into their successors.
+    const std::array<TPoint, 4> points{Point(65537, 65537), Point(131074, 131074), Point(196611, 196611),
+                                       Point(262148, 262148)};
+    TPointList list;
+    for (const TPoint& p : points) list.Add(p);
+    ASSERT_EQ(list.Count(), list.Capacity());
+    EXPECT_EQ(list.IndexOf(points[3]), 3);
+    EXPECT_EQ(list.IndexOf(points[2]), -1);
+    EXPECT_EQ(list.IndexOf(points[0]), -1);
 }
 
 TEST(PointList, StreamFormIsLittleEndianXThenY) {

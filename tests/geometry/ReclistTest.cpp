@@ -405,6 +405,52 @@ TEST(RecordList, IndexOfOfAnOddRecordSizeComparesTheLastByte) {
     EXPECT_EQ(list.IndexOf(&sought), 0);
 }
 
+TEST(RecordList, IndexOfTakesTheHighByteOfAStraddlingCharacterFromTheNextRecord) {
+    // Records of 3 bytes compare as 3 characters, that is 6 bytes: the character at bytes 2 and 3
+    // of the first record is its last byte with the next record's first byte above it, 0x0705. The
+    // sought bytes beyond their 3 read as zero, so that character is 0x0005 there and they differ.
+    TRecordList list(3);
+    const std::array<std::uint8_t, 3> first{1, 1, 5}, second{7, 0, 0};
+    list.Add(first.data());
+    list.Add(second.data());
+    const void* sought = first.data();
+    EXPECT_EQ(list.IndexOf(&sought), -1);
+    // The second record is followed by zeroed bytes of the block: its compare ends at a NUL.
+    sought = second.data();
+    EXPECT_EQ(list.IndexOf(&sought), 1);
+}
+
+TEST(RecordList, IndexOfWithoutANulCharacterInTheBlockMatchesOnlyTheLastRecord) {
+    // Four records of two non-zero characters each fill the block (capacity 4). Each compare runs
+    // over 4 characters: a record's own two, then two from the next record against the sought
+    // side's zeros beyond its record, so every record but the last differs. The last record's run
+    // goes beyond the end of the block, which compares as zero, and ends at a NUL there.
+    TRecordList list(4);
+    const std::array<Rec4, 4> records{R4(1, 1, 2, 2), R4(3, 3, 4, 4), R4(5, 5, 6, 6), R4(7, 7, 8, 8)};
+    for (const Rec4& r : records) list.Add(r.data());
+    ASSERT_EQ(list.Count(), list.Capacity());
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        const void* sought = records[i].data();
+        EXPECT_EQ(list.IndexOf(&sought), i + 1 == records.size() ? 3 : -1) << i;
+    }
+}
+
+TEST(RecordList, IndexOfRunsOnIntoTheBytesOfADeletedRecord) {
+    // Deleting the last record leaves its bytes in the block beyond the count, and the compare of
+    // the record before it runs into them: 0x0303 against the sought side's zero.
+    TRecordList list(4);
+    const Rec4 kept = R4(1, 1, 2, 2), deleted = R4(3, 3, 4, 4);
+    list.Add(kept.data());
+    list.Add(deleted.data());
+    list.Delete(1);
+    const void* sought = kept.data();
+    EXPECT_EQ(list.IndexOf(&sought), -1);
+    // Once the following record starts with a NUL character, the compare ends there.
+    const Rec4 nul = R4(0, 0, 9, 9);
+    list.Add(nul.data());
+    EXPECT_EQ(list.IndexOf(&sought), 0);
+}
+
 TEST(RecordList, IndexOfOfAnEmptyListIsMinusOne) {
     TRecordList list(4);
     const Rec4 r = R4(1);
