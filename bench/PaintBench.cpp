@@ -60,11 +60,11 @@ public:
     vl::TCapClass DefaultClass() override { return &vl::NewObjectOf<TBenchSquare>; }
     // Makes and stores one square at `CurPos`, as a click would, without flushing.
     vl::TvlObject* SetNewObj(const vl::TPoint& CurPos) override {
-        vl::TvlObject* obj = CreateObject();
-        obj->SetPos(CurPos);
-        obj->Count();
-        ObjectSetData(obj);
-        AddToDataModule(obj);
+        std::unique_ptr<vl::TvlObject> made(CreateObject());
+        made->SetPos(CurPos);
+        made->Count();
+        ObjectSetData(made.get());
+        vl::TvlObject* obj = AddToDataModule(std::move(made));
         obj->SetVisible(true);
         return obj;
     }

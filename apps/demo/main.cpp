@@ -66,16 +66,7 @@ public:
     explicit TDemoCreator(vl::TComponent* AOwner) : vl::TvlCreator(AOwner) { CreateGenerator(); }
     void CreateGenerator() override { FGenerator = std::make_unique<vl::TPtGenerator>(); }
     vl::TCapClass DefaultClass() override { return &vl::NewObjectOf<TDemoObj>; }
-    vl::TvlObject* SetNewObj(const vl::TPoint& CurPos) override {
-        vl::TvlObject* obj = CreateObject();
-        obj->SetPos(CurPos);
-        obj->Count();
-        ObjectSetData(obj);
-        AddToDataModule(obj);
-        obj->Invalidate();
-        obj->SetVisible(true);
-        return obj;
-    }
+    vl::TvlObject* SetNewObj(const vl::TPoint& CurPos) override { return PlaceNewObject(CurPos); }
 };
 
 // The pointer: a click selects the frontmost object under the mouse and draws its mark (with Shift

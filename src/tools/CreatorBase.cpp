@@ -104,15 +104,23 @@ TvlObject* TvlCreator::CreateObject() {
     return objectClass(this);
 }
 
-void TvlCreator::AddToDataModule(TvlObject* AObject) {
+TvlObject* TvlCreator::AddToDataModule(std::unique_ptr<TvlObject> AObject) {
     TvlDataMod* dm = GetDataModule();
-    try {
-        if (!dm) throw Exception(QStringLiteral("The tool %1 has no data module").arg(Name()));
-        dm->Add(AObject, FGenerator->Layer());
-    } catch (...) {
-        delete AObject;
-        throw;
-    }
+    if (!dm) throw Exception(QStringLiteral("The tool %1 has no data module").arg(Name()));
+    dm->Add(AObject.get(), FGenerator->Layer());
+    // The module took the object; had `Add` raised, `AObject` would have freed it.
+    return AObject.release();
+}
+
+TvlObject* TvlCreator::PlaceNewObject(const TPoint& CurPos) {
+    std::unique_ptr<TvlObject> made(CreateObject());
+    made->SetPos(CurPos);
+    made->Count();
+    ObjectSetData(made.get());
+    TvlObject* obj = AddToDataModule(std::move(made));
+    obj->Invalidate();
+    obj->SetVisible(true);
+    return obj;
 }
 
 namespace {
@@ -128,31 +136,21 @@ void FinishSlave(TvlCreator& Tool, TvlObject* Slave) {
 } // namespace
 
 TvlObject* TvlCreator::CreateSlave(TvlObject* AMaster) {
-    TvlObject* slave = CreateObject();
-    try {
-        slave->SetMaster(AMaster);
-        FinishSlave(*this, slave);
-    } catch (...) {
-        delete slave;
-        throw;
-    }
-    AddToDataModule(slave);
+    std::unique_ptr<TvlObject> made(CreateObject());
+    made->SetMaster(AMaster);
+    FinishSlave(*this, made.get());
+    TvlObject* slave = AddToDataModule(std::move(made));
     if (slave->GetVisible()) slave->Invalidate();
     return slave;
 }
 
 TvlObject* TvlCreator::CreateSlaveAt(TvlObject* AMaster, std::int32_t RelX, std::int32_t RelY) {
-    TvlObject* slave = CreateObject();
-    try {
-        slave->SetMaster(AMaster);
-        slave->SetX(AMaster->GetMinX() + RelX);
-        slave->SetY(AMaster->GetMinY() + RelY);
-        FinishSlave(*this, slave);
-    } catch (...) {
-        delete slave;
-        throw;
-    }
-    AddToDataModule(slave);
+    std::unique_ptr<TvlObject> made(CreateObject());
+    made->SetMaster(AMaster);
+    made->SetX(AMaster->GetMinX() + RelX);
+    made->SetY(AMaster->GetMinY() + RelY);
+    FinishSlave(*this, made.get());
+    TvlObject* slave = AddToDataModule(std::move(made));
     if (slave->GetVisible()) slave->Invalidate();
     return slave;
 }

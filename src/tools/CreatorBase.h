@@ -103,9 +103,12 @@ public:
     TChangeIDEvent ChangeID;
 
 protected:
-    // Hands `AObject` to the data module in the generator's layer; the object is freed when the
-    // module refuses it.
-    void AddToDataModule(TvlObject* AObject);
+    // The steps of a creator that places one object per click: a new object at `CurPos`, numbered,
+    // given its data, added to the data module, invalidated and made visible.
+    TvlObject* PlaceNewObject(const TPoint& CurPos);
+    // Hands `AObject` to the data module in the generator's layer and answers it, now owned by the
+    // module; the object is freed when the module refuses it.
+    TvlObject* AddToDataModule(std::unique_ptr<TvlObject> AObject);
 
     bool FCreateBoxObjects = false;
     std::unique_ptr<TCustomGenerator> FGenerator;

@@ -135,14 +135,7 @@ public:
     TCapClass DefaultClass() override { return &NewObjectOf<TSquareObj>; }
     TvlObject* SetNewObj(const TPoint& CurPos) override {
         Given.push_back(CurPos);
-        TvlObject* obj = CreateObject();
-        obj->SetPos(CurPos);
-        obj->Count();
-        ObjectSetData(obj);
-        AddToDataModule(obj);
-        obj->Invalidate();
-        obj->SetVisible(true);
-        return obj;
+        return PlaceNewObject(CurPos);
     }
     void SetDefaultData(TvlObject*) override { ++DefaultData; }
     std::vector<TPoint> Given;
