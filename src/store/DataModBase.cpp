@@ -3,6 +3,7 @@
 
 #include "store/DataModBase.h"
 
+#include "platform/core/Assert.h"
 #include "platform/services/Infobox.h"
 #include "store/Layer.h"
 #include "surface/Drawbox.h"
@@ -189,8 +190,20 @@ void TvlDataMod::Mark(TvlObject* AnyObj) {
 
 void TvlDataMod::Erase(TvlObject* Item) {
     Remove(Item);
-    FMarkCase->Remove(Item);
+    Purge(Item);
     delete Item;
+}
+
+void TvlDataMod::Purge(TvlObject* Gone) {
+    if (!Gone) {
+        if (FDrawForm) FDrawForm->SetMouseFnd(nullptr);
+        FMarkCase->Clear();
+        return;
+    }
+    if (FDrawForm && FDrawForm->MouseFnd() == Gone) FDrawForm->SetMouseFnd(nullptr);
+    FMarkCase->Remove(Gone);
+    VL_ASSERT(FMarkCase->IndexOf(Gone) < 0);
+    VL_ASSERT(!FDrawForm || FDrawForm->MouseFnd() != Gone);
 }
 
 void TvlDataMod::DoDeleteObjects() {

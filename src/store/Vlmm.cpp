@@ -67,11 +67,10 @@ std::int32_t TvlDataModule::GetCount() {
 void TvlDataModule::Clear() {
     TvlDataMod::Clear();
     FRestoreRect = GetLimits();
-    FMarkCase->Clear();
+    Purge(nullptr);
     FObjCase->FreeAll();
     FObjCase->Clear();
     FObjCase->InitLimits();
-    if (FDrawForm) FDrawForm->SetMouseFnd(nullptr);
     InvalidateRestoreRect();
 }
 
@@ -186,7 +185,13 @@ void TvlDataModule::DeleteObjects() {
     FMarkCase->AllObjectsBack([](TvlObject* AnyObject, void*) { AnyObject->CanDelete(); }, nullptr);
     if (FMarkCase->Count() == 0) return;
     DoDeleteObjects();
+    // The object under the mouse is forgotten on every deletion, whether it goes or not.
     if (FDrawForm) FDrawForm->SetMouseFnd(nullptr);
+    FObjCase->AllObjects(
+        [this](TvlObject* AnyObject, void*) {
+            if (AnyObject->State.Contains(isDeleted)) Purge(AnyObject);
+        },
+        nullptr);
     FObjCase->DeleteObjects();
     InvalidateRestoreRect();
 }
@@ -241,11 +246,8 @@ void TvlDataModule::LoadFromStream(TStream& Stream) {
         const std::int64_t tryStart = Stream.Position();
         try {
             LoadBody(Stream);
-            if (FDrawForm) {
-                FDrawForm->State.Include(bsNewRange);
-                FDrawForm->SetMouseFnd(nullptr);
-            }
-            FMarkCase->Clear();
+            if (FDrawForm) FDrawForm->State.Include(bsNewRange);
+            Purge(nullptr);
             old.reset();
             tries = 0;
         } catch (...) {

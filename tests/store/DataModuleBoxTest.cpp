@@ -55,16 +55,7 @@ public:
         };
     }
     TCapClass DefaultClass() override { return &NewObjectOf<TBoxSquare>; }
-    TvlObject* SetNewObj(const TPoint& CurPos) override {
-        TvlObject* obj = CreateObject();
-        obj->SetPos(CurPos);
-        obj->Count();
-        ObjectSetData(obj);
-        AddToDataModule(obj);
-        obj->Invalidate();
-        obj->SetVisible(true);
-        return obj;
-    }
+    TvlObject* SetNewObj(const TPoint& CurPos) override { return PlaceNewObject(CurPos); }
 
 private:
     std::string FName;
@@ -262,6 +253,58 @@ TEST_F(DataModuleBox, ClearErasesTheDrawing) {
     Settle();
     EXPECT_TRUE(Dm->Empty());
     EXPECT_EQ(Pixel(45, 35), kWhite);
+}
+
+// A tool that keeps the box's object under the mouse up to date, as the pointer tools do.
+class TTrackingTool : public TSaveTool {
+public:
+    explicit TTrackingTool(TComponent* AOwner) : TSaveTool(AOwner) {}
+    void MouseMove(TShiftState, const TPoint& CurPos) override { FindMouseObject(CurPos); }
+};
+
+TEST_F(DataModuleBox, ErasingTheObjectUnderTheMouseForgetsItBeforeTheNextMove) {
+    ShowForm();
+    Click(Red, 40, 30);
+    auto* tracker = new TTrackingTool(Form.get());
+    tracker->FDrawForm = Box;
+    tracker->Activate(Box);
+    QWindow* w = Form->Widget()->windowHandle();
+    QTest::mouseMove(w, InWindow(45, 35));
+    Settle();
+    TvlObject* obj = Dm->ObjectAt(0, 0);
+    ASSERT_EQ(Box->MouseFnd(), obj);
+
+    Dm->Erase(obj);
+    EXPECT_EQ(Box->MouseFnd(), nullptr);
+    // The next move searches afresh instead of asking the freed object (the sanitizer build would
+    // report the use of freed memory).
+    QTest::mouseMove(w, InWindow(50, 40));
+    Settle();
+    EXPECT_EQ(Box->MouseFnd(), nullptr);
+    Click(Red, 40, 30);
+    QTest::mouseMove(w, InWindow(46, 36));
+    Settle();
+    tracker->Activate(Box);
+    QTest::mouseMove(w, InWindow(47, 37));
+    Settle();
+    EXPECT_EQ(Box->MouseFnd(), Dm->ObjectAt(0, 0));
+}
+
+TEST_F(DataModuleBox, ErasingAnotherObjectKeepsTheObjectUnderTheMouse) {
+    ShowForm();
+    Click(Red, 40, 30);
+    Click(Red, 100, 30);
+    auto* tracker = new TTrackingTool(Form.get());
+    tracker->FDrawForm = Box;
+    tracker->Activate(Box);
+    QTest::mouseMove(Form->Widget()->windowHandle(), InWindow(45, 35));
+    Settle();
+    TvlObject* first = Dm->ObjectAt(0, 0);
+    ASSERT_EQ(Box->MouseFnd(), first);
+    Dm->Mark(Dm->ObjectAt(1, 0));
+    Dm->Erase(Dm->ObjectAt(1, 0));
+    EXPECT_EQ(Box->MouseFnd(), first);
+    EXPECT_EQ(Dm->MarkCount(), 0);
 }
 
 } // namespace
