@@ -68,27 +68,52 @@ void AppendSpan(std::vector<TSpan>& out, std::int64_t x0, std::int64_t x1) {
     out.push_back({Clamp32(x0), Clamp32(x1)});
 }
 
+// The largest k >= 0 with k^2 b^2 <= a^2 (b^2 - d^2), at most a: the half-width, in doubled units,
+// of the ellipse with semi-axes a and b (doubled units too) at the offset d from its centre; -1 when
+// |d| > b. A flat ellipse (b = 0) is a segment of half-width a at d = 0.
+std::int64_t EllipseHalfWidth(std::int64_t a, std::int64_t b, std::int64_t d) {
+    if (d < 0) d = -d;
+    if (d > b) return -1;
+    if (b == 0) return a;
+    if (a <= (std::int64_t(1) << 30) && b <= (std::int64_t(1) << 30)) {
+        const Int128 rhs = Int128(a) * a * (Int128(b) * b - Int128(d) * d);
+        const Int128 b2 = Int128(b) * b;
+        std::int64_t k = std::int64_t(std::floor(double(a) * std::sqrt(double(b * b - d * d)) / double(b)));
+        k = std::clamp<std::int64_t>(k, 0, a);
+        while (k > 0 && Int128(k) * k * b2 > rhs) --k;
+        while (k < a && Int128(k + 1) * (k + 1) * b2 <= rhs) ++k;
+        return k;
+    }
+    const long double bb = (long double)b;
+    const std::int64_t k =
+        std::int64_t(std::floor((long double)a * std::sqrt(bb * bb - (long double)d * d) / bb));
+    return std::clamp<std::int64_t>(k, 0, a);
+}
+
 } // namespace
 
 bool EllipseRowSpan(const TRect& r, std::int32_t y, std::int32_t& x0, std::int32_t& x1) {
     const std::int64_t l = r.Left, t = r.Top, rr = r.Right, b = r.Bottom;
     const std::int64_t w = rr - l, h = b - t;
     if (w <= 0 || h <= 0) return false;
-    // Pixel (x, y) is inside when dx^2 h^2 + dy^2 w^2 <= w^2 h^2 with dx = 2x + 1 - (l + r) and
-    // dy = 2y + 1 - (t + b): the centre test, doubled to stay in integers.
+    // Offsets are doubled to stay in integers: the pixel (x, y) lies dx = 2x + 1 - (l + r) and
+    // dy = 2y + 1 - (t + b) from the centre of the box, so the outermost pixels of the box lie at
+    // |dx| = w - 1 and |dy| = h - 1.
     const std::int64_t dy = 2 * std::int64_t(y) + 1 - (t + b);
-    if (dy > h || -dy > h) return false;
-    std::int64_t dmax;
-    if (w <= (std::int64_t(1) << 30) && h <= (std::int64_t(1) << 30)) {
-        const Int128 rhs = Int128(w) * w * (Int128(h) * h - Int128(dy) * dy);
-        const Int128 h2 = Int128(h) * h;
-        dmax = std::int64_t(std::floor(double(w) * std::sqrt(double(h * h - dy * dy)) / double(h)));
-        while (dmax > 0 && Int128(dmax) * dmax * h2 > rhs) --dmax;
-        while (Int128(dmax + 1) * (dmax + 1) * h2 <= rhs) ++dmax;
-    } else {
-        const long double hh = (long double)h;
-        dmax = std::int64_t(std::floor((long double)w * std::sqrt(hh * hh - (long double)dy * dy) / hh));
-    }
+    if (dy > h - 1 || -dy > h - 1) return false;
+    // A pixel belongs to the ellipse when either rule takes it:
+    // - its centre lies inside the ellipse inscribed in the box (semi-axes w and h, doubled);
+    // - stepping along the ellipse through the centres of the outermost pixels (semi-axes w - 1
+    //   and h - 1, doubled), row by row or column by column, picks it or a pixel farther out: the
+    //   point half a pixel nearer the centre, across or down, lies inside that ellipse. This puts
+    //   the outermost column and row of the box into every ellipse, however flat.
+    // Each rule takes a run symmetric about the centre that shrinks away from the middle row, so
+    // their union does too.
+    const std::int64_t byCentre = EllipseHalfWidth(w, h, dy);
+    const std::int64_t byColumn = EllipseHalfWidth(w - 1, h - 1, std::max<std::int64_t>(std::abs(dy) - 1, 0));
+    std::int64_t byRow = EllipseHalfWidth(w - 1, h - 1, dy);
+    if (byRow >= 0) byRow = std::min(byRow + 1, w - 1);
+    std::int64_t dmax = std::max({byCentre, byColumn, byRow});
     // dx has the parity of w + 1.
     if ((dmax + w + 1) & 1) --dmax;
     if (dmax < 0) return false;

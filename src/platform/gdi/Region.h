@@ -3,9 +3,10 @@
 // A shape is a rectangle, an ellipse, a rounded rectangle or a polygon, or a boolean combination of
 // two shapes. Shapes are immutable and shared. A pixel (x, y) belongs to a leaf when its centre
 // (x + 0.5, y + 0.5) lies inside it (on the left or top border counts as inside, on the right or
-// bottom border as outside). Nothing is ever rasterised as a whole: the only output is the list of
-// spans of one row within an x range, computed with exact integer arithmetic, so a shape of any size
-// costs the same memory.
+// bottom border as outside); an ellipse, alone or as the corner of a rounded rectangle, also takes
+// the pixels that make it reach all four sides of its box (see EllipseRowSpan). Nothing is ever
+// rasterised as a whole: the only output is the list of spans of one row within an x range,
+// computed with exact integer arithmetic, so a shape of any size costs the same memory.
 #pragma once
 
 #include "platform/core/Types.h"
@@ -88,7 +89,9 @@ private:
 void IntersectSpans(const std::vector<TSpan>& a, const std::vector<TSpan>& b, std::vector<TSpan>& out);
 void CombineSpans(const std::vector<TSpan>& a, const std::vector<TSpan>& b, int op, std::vector<TSpan>& out);
 
-// The spans of a convex leaf row (ellipse with box `r`): false when the row is empty.
+// The one span of row `y` of the ellipse in the box `r`: false when the row is empty. The spans are
+// symmetric about the centre of the box, shrink away from its middle row, and together reach every
+// row and column of the box.
 bool EllipseRowSpan(const TRect& r, std::int32_t y, std::int32_t& x0, std::int32_t& x1);
 
 } // namespace vl::gdi
