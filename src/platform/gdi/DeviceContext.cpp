@@ -649,22 +649,14 @@ bool FrameRgn(HDC dc, HRGN region, HBRUSH brush, int width, int height) {
     const gdi::TShapePtr shape = RegionToDev(dc, region->FShape);
     const std::int32_t w = std::int32_t(std::clamp<std::int64_t>(dc->LengthToDevX(width), 1, 1 << 20));
     const std::int32_t h = std::int32_t(std::clamp<std::int64_t>(dc->LengthToDevY(height), 1, 1 << 20));
-    // The interior keeps the pixels whose neighbours up to w across and h down all lie in the
-    // region; the frame is the rest. Every distance is tested for narrow frames, only the full one
-    // for wide ones (exact for convex rows).
+    // A pixel (x, y) of the region stays unframed when its four diagonal neighbours at the brush's
+    // size, (x - w, y - h), (x + w, y - h), (x - w, y + h) and (x + w, y + h), all lie in the
+    // region; the frame is the rest, so the inside of a concave corner is framed too. Orthogonal
+    // neighbours need no test of their own for rectangles: one of them outside puts the two
+    // diagonal ones on its side outside as well.
     gdi::TShapePtr interior = shape;
-    auto erode = [&](std::int32_t dx, std::int32_t dy) {
+    for (const auto& [dx, dy] : {std::pair{w, h}, std::pair{-w, h}, std::pair{w, -h}, std::pair{-w, -h}})
         interior = gdi::TRegionShape::Combine(interior, shape->Offset(dx, dy), RGN_AND);
-    };
-    const std::int32_t stepW = w <= 8 ? 1 : w, stepH = h <= 8 ? 1 : h;
-    for (std::int32_t k = stepW; k <= w; k += stepW) {
-        erode(k, 0);
-        erode(-k, 0);
-    }
-    for (std::int32_t k = stepH; k <= h; k += stepH) {
-        erode(0, k);
-        erode(0, -k);
-    }
     return FillShapeDev(dc, gdi::TRegionShape::Combine(shape, interior, RGN_DIFF), brush, dc->FState.Rop2);
 }
 
