@@ -5,7 +5,10 @@
 
 #include <QImage>
 
+#include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <unordered_set>
 
@@ -88,7 +91,10 @@ bool IsLiveObject(const TGdiObject* object) {
 
 HPEN CreatePen(int style, int width, COLORREF color) {
     if (style < int(PS_SOLID) || style > int(PS_INSIDEFRAME)) return nullptr;
-    return new TGdiPen({std::uint32_t(style), {std::max(width, 0), 0}, color & 0xFFFFFF});
+    // A negative width draws with its absolute value.
+    const std::int32_t absWidth =
+        std::int32_t(std::min<std::int64_t>(std::abs(std::int64_t(width)), INT32_MAX));
+    return new TGdiPen({std::uint32_t(style), {absWidth, 0}, color & 0xFFFFFF});
 }
 
 HPEN CreatePenIndirect(const LOGPEN* pen) {

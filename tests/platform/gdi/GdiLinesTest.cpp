@@ -145,6 +145,29 @@ TEST(GdiLines, WidthZeroAndTinyWidthsDrawOnePixel) {
     }
 }
 
+TEST(GdiLines, NegativePenWidthDrawsWithItsAbsoluteWidth) {
+    // A line, a polygon outline and an ellipse, drawn once with each pen.
+    auto draw = [](TSurface& s, int width) {
+        HPEN pen = CreatePen(PS_SOLID, width, test::Red);
+        SelectObject(s.Dc(), pen);
+        MoveToEx(s.Dc(), 3, 10);
+        LineTo(s.Dc(), 40, 10);
+        const TPoint triangle[3] = {{5, 20}, {35, 24}, {12, 34}};
+        Polygon(s.Dc(), triangle, 3);
+        Ellipse(s.Dc(), 8, 38, 38, 56);
+        SelectObject(s.Dc(), GetStockObject(BLACK_PEN));
+        DeleteObject(pen);
+    };
+    TSurface negative(48, 60), positive(48, 60);
+    draw(negative, -5);
+    draw(positive, 5);
+    int thickness = 0;
+    for (int y = 0; y < 18; ++y)
+        if (negative.Pixel(20, y) == test::Red) ++thickness;
+    EXPECT_EQ(thickness, 5);
+    EXPECT_EQ(negative.Dump(), positive.Dump());
+}
+
 TEST(GdiLines, StyledPenWiderThanOnePixelDrawsSolid) {
     TSurface s(40, 7);
     HPEN pen = CreatePen(PS_DASH, 3, 0);
