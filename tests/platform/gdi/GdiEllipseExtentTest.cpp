@@ -1,7 +1,7 @@
 // Ellipses, rounded rectangles and elliptic regions reach every side of their box: the leftmost
 // column and the top row are drawn, the right and bottom edges stay out as for rectangles.
 
-#include "platform/Gdi.h"
+#include "platform/gdi/Gdi.h"
 
 #include "GdiTestSupport.h"
 

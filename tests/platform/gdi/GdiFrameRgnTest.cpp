@@ -1,7 +1,7 @@
 // FrameRgn keeps a region pixel unframed only when its four diagonal neighbours at the brush's width
 // and height lie inside the region; every other region pixel is painted with the brush.
 
-#include "platform/Gdi.h"
+#include "platform/gdi/Gdi.h"
 
 #include "GdiTestSupport.h"
 
