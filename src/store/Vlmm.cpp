@@ -3,6 +3,8 @@
 
 #include "store/Vlmm.h"
 
+#include "platform/core/Scoped.h"
+
 #include "geometry/FileHeader.h"
 #include "store/Layer.h"
 #include "surface/Drawbox.h"
@@ -201,18 +203,12 @@ void TvlDataModule::DeleteObjects() {
 // ---------------------------------------------------------------------------------------------
 
 void TvlDataModule::SaveToStream(TStream& Stream) {
-    State.Include(dmSaving);
-    try {
-        if (FCounters.size() > std::numeric_limits<std::uint16_t>::max())
-            throw EWriteError(QString::fromLatin1(msg::WriteError));
-        Stream.WriteUInt16(static_cast<std::uint16_t>(FCounters.size()));
-        for (const std::uint16_t counter : FCounters) Stream.WriteUInt16(counter);
-        FObjCase->SaveToStream(Stream);
-    } catch (...) {
-        State.Exclude(dmSaving);
-        throw;
-    }
-    State.Exclude(dmSaving);
+    const TScopedFlag saving(State, dmSaving);
+    if (FCounters.size() > std::numeric_limits<std::uint16_t>::max())
+        throw EWriteError(QString::fromLatin1(msg::WriteError));
+    Stream.WriteUInt16(static_cast<std::uint16_t>(FCounters.size()));
+    for (const std::uint16_t counter : FCounters) Stream.WriteUInt16(counter);
+    FObjCase->SaveToStream(Stream);
 }
 
 void TvlDataModule::LoadBody(TStream& Stream) {
@@ -233,7 +229,7 @@ void TvlDataModule::LoadBody(TStream& Stream) {
 }
 
 void TvlDataModule::LoadFromStream(TStream& Stream) {
-    State.Include(dmLoading);
+    const TScopedFlag loading(State, dmLoading);
     if (FDrawForm) ActScaleSet = &FDrawForm->ScaleSetting();
 
     const TCounters keptCounters = FCounters;
@@ -270,7 +266,6 @@ void TvlDataModule::LoadFromStream(TStream& Stream) {
         }
     }
     if (ReleaseMapper) ReleaseMapper();
-    State.Exclude(dmLoading);
 }
 
 } // namespace vl

@@ -2,6 +2,8 @@
 
 #include "surface/Scl12.h"
 
+#include "platform/core/Scoped.h"
+
 #include "platform/core/Numerics.h"
 #include "platform/gdi/Gdi.h"
 #include "platform/services/Services.h"
@@ -200,11 +202,7 @@ void TScrollWinControl::CheckScrollRange() {
 
 void TScrollWinControl::UpdateScrollBars() {
     if (State.Contains(bsUpdateScrollbars) || !HandleAllocated()) return;
-    State.Include(bsUpdateScrollbars);
-    struct TClearFlag {
-        TScrollWinControl* Self;
-        ~TClearFlag() { Self->State.Exclude(bsUpdateScrollbars); }
-    } clearFlag{this};
+    const TScopedFlag updating(State, bsUpdateScrollbars);
     if (FVertScrollBar->NeedsScrollBarVisible()) {
         FHorzScrollBar->Update(false, true);
         FVertScrollBar->Update(true, false);
@@ -295,14 +293,11 @@ void TScrollWinControl::SetNonScrollV(const TRect* R) {
 }
 
 void TScrollWinControl::WMSize(TMessage& Message) {
-    ++FAutoRangeCount;
-    try {
+    {
+        // The size message must not change the ranges while it is being handled.
+        const TScopedValue autoRange(FAutoRangeCount, FAutoRangeCount + 1);
         TWinControl::WMSize(Message);
-    } catch (...) {
-        --FAutoRangeCount;
-        throw;
     }
-    --FAutoRangeCount;
     if ((FHorzScrollBar->Visible() || FVertScrollBar->Visible()) && !State.Contains(bsUpdateScrollbars)) {
         CheckScrollRange();
     }

@@ -1,6 +1,7 @@
 #include "platform/window/Menus.h"
 
 #include "platform/core/Exceptions.h"
+#include "platform/services/Services.h"
 
 #include <QAction>
 
@@ -13,9 +14,7 @@ TMenuItem::TMenuItem(TComponent* AOwner) : TComponent(AOwner), FAction(std::make
     QObject::connect(FAction.get(), &QAction::triggered, [this](bool) {
         // The action toggles its own check mark; the item's state is the one that counts.
         FAction->setChecked(FChecked);
-        try {
-            Click();
-        } catch (const EAbort&) {}
+        GuardedEntry([this] { Click(); });
     });
 }
 

@@ -1,5 +1,7 @@
 #include "platform/window/Menus.h"
 #include "platform/core/Exceptions.h"
+#include "platform/services/ServiceDoubles.h"
+#include "platform/services/Services.h"
 
 #include <QAction>
 #include <gtest/gtest.h>
@@ -47,6 +49,18 @@ TEST(MenuItem, TriggeringTheActionClicksAndLeavesTheCheckMarkToTheItem) {
     EXPECT_EQ(clicks, 1);
     EXPECT_FALSE(item.Checked());
     EXPECT_FALSE(item.Action()->isChecked());
+}
+
+TEST(MenuItem, AnExceptionOfAClickGoesToTheErrorServiceAndTheSilentAbortNowhere) {
+    TErrorServiceDouble errors;
+    TServiceScope<TErrorService> scope(errors);
+    TMenuItem item(nullptr);
+    item.OnClick = [](TObject*) { throw Exception(QStringLiteral("Menu failed")); };
+    EXPECT_NO_THROW(item.Action()->trigger());
+    EXPECT_EQ(errors.Messages, QStringList{QStringLiteral("Menu failed")});
+    item.OnClick = [](TObject*) { Abort(); };
+    EXPECT_NO_THROW(item.Action()->trigger());
+    EXPECT_EQ(errors.Messages.size(), 1);
 }
 
 TEST(MenuItem, SubItemsKeepTheirOrderAndLeaveWhenDestroyed) {
