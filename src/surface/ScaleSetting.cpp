@@ -36,7 +36,7 @@ std::int32_t LimHeight(const TLimRec& L) {
 } // namespace
 
 TScaleSetting::TScaleSetting(TCanvas* ACanvas) : FCanvas(ACanvas) {
-    FMinUnit = TLenUnits::mm_10;
+    FRec.FMinUnit = TLenUnits::mm_10;
     Frcp_Scale = 1;
 }
 
@@ -56,40 +56,10 @@ void TScaleSetting::Assign(TPersistent* Source) {
     TPersistent::Assign(Source);
 }
 
-TScaleRec TScaleSetting::ScaleRec() const {
-    TScaleRec r;
-    r.FVPHome = FVPHome;
-    r.FVPOrg = FVPOrg;
-    r.FVPExt = FVPExt;
-    r.FWndExt = FWndExt;
-    r.FMinUnit = FMinUnit;
-    r.FScale = FScale;
-    r.FmaxScale = FmaxScale;
-    r.FMeasure = FMeasure;
-    r.FPixPerM = FPixPerM;
-    r.FBlankZone = FBlankZone;
-    r.FOrigin = FOrigin;
-    return r;
-}
-
-void TScaleSetting::SetScaleRec(const TScaleRec& Rec) {
-    FVPHome = Rec.FVPHome;
-    FVPOrg = Rec.FVPOrg;
-    FVPExt = Rec.FVPExt;
-    FWndExt = Rec.FWndExt;
-    FMinUnit = Rec.FMinUnit;
-    FScale = Rec.FScale;
-    FmaxScale = Rec.FmaxScale;
-    FMeasure = Rec.FMeasure;
-    FPixPerM = Rec.FPixPerM;
-    FBlankZone = Rec.FBlankZone;
-    FOrigin = Rec.FOrigin;
-}
-
 // --- Units ----------------------------------------------------------------------------------------
 
 double TScaleSetting::GetMinLen() const {
-    switch (FMinUnit) {
+    switch (FRec.FMinUnit) {
     case TLenUnits::Meter: return 1.0;
     case TLenUnits::dm: return 0.1;
     case TLenUnits::cm: return 0.01;
@@ -101,7 +71,7 @@ double TScaleSetting::GetMinLen() const {
 }
 
 double TScaleSetting::GetMeasureFact() const {
-    switch (FMeasure) {
+    switch (FRec.FMeasure) {
     case TLenUnits::Meter: return 1.0;
     case TLenUnits::dm: return 10.0;
     case TLenUnits::cm: return 100.0;
@@ -113,38 +83,38 @@ double TScaleSetting::GetMeasureFact() const {
 }
 
 void TScaleSetting::SetMinUnit(TLenUnits Value) {
-    if (Value == FMinUnit) return;
-    FMinUnit = Value;
+    if (Value == FRec.FMinUnit) return;
+    FRec.FMinUnit = Value;
     // Outside the designer a new unit is taken as it is; the load computes the rest.
     if (!State.Contains(scDesigning)) return;
     if (Value != TLenUnits::Pixel) {
         // Keep the scale where `MaxCoord` logical units still span a useful paper length.
         const Ext L = GetMinLen();
-        FmaxScale = static_cast<double>(1 / L / 10000);
-        if (FScale > FmaxScale) SetRcp_Scale(Round32(L * 10000));
+        FRec.FmaxScale = static_cast<double>(1 / L / 10000);
+        if (FRec.FScale > FRec.FmaxScale) SetRcp_Scale(Round32(L * 10000));
     } else {
-        FMeasure = TLenUnits::Pixel;
+        FRec.FMeasure = TLenUnits::Pixel;
     }
 }
 
 // --- Scale ----------------------------------------------------------------------------------------
 
 double TScaleSetting::GetScale() const {
-    return FScale > 0 ? FScale : 1.0;
+    return FRec.FScale > 0 ? FRec.FScale : 1.0;
 }
 
 void TScaleSetting::SetScale(double Value) {
-    if (Value == FScale) return;
+    if (Value == FRec.FScale) return;
     if (Value <= 0) {
-        FScale = 1.0;
-    } else if (FmaxScale > 0 && FmaxScale < Value) {
+        FRec.FScale = 1.0;
+    } else if (FRec.FmaxScale > 0 && FRec.FmaxScale < Value) {
         // The clamped value runs the whole setter, notification included, and then the rest below
         // runs once more: a clamped change notifies twice.
-        SetScale(FmaxScale);
+        SetScale(FRec.FmaxScale);
     } else {
-        FScale = Value;
+        FRec.FScale = Value;
     }
-    Frcp_Scale = Round32(FloatDiv(1, FScale));
+    Frcp_Scale = Round32(FloatDiv(1, FRec.FScale));
     CorrectContext();
     if (FOnScaleChange) FOnScaleChange(this);
     State.Include(scChanged);
@@ -155,43 +125,43 @@ void TScaleSetting::SetRcp_Scale(std::int32_t Value) {
     // work. The scale takes the value as given, so a negative one gives a negative scale (read as
     // 1.0) and zero divides by zero.
     Frcp_Scale = Value > 0 ? Value : 1;
-    FScale = static_cast<double>(FloatDiv(1, Value));
+    FRec.FScale = static_cast<double>(FloatDiv(1, Value));
 }
 
 std::int32_t TScaleSetting::Getrcp_Limit() const {
-    if (FmaxScale == 0) return 0;
-    return Round32(FloatDiv(1, FmaxScale));
+    if (FRec.FmaxScale == 0) return 0;
+    return Round32(FloatDiv(1, FRec.FmaxScale));
 }
 
 void TScaleSetting::Setrcp_Limit(std::int32_t Value) {
-    FmaxScale = Value > 0 ? static_cast<double>(Ext(1) / Value) : 0.0;
+    FRec.FmaxScale = Value > 0 ? static_cast<double>(Ext(1) / Value) : 0.0;
 }
 
 double TScaleSetting::GetMaxWorld() const {
-    if (FMinUnit == TLenUnits::Pixel) return MaxCoord;
+    if (FRec.FMinUnit == TLenUnits::Pixel) return MaxCoord;
     return static_cast<double>(Ext(GetMinLen()) * MaxCoord * GetMeasureFact());
 }
 
 void TScaleSetting::SetMaxWorld(double Value) {
-    if (FMinUnit == TLenUnits::Pixel) return;
+    if (FRec.FMinUnit == TLenUnits::Pixel) return;
     // Coarsen the unit until `MaxCoord` logical units cover the wanted world size.
     const Ext v = Ext(Value) / MaxCoord / GetMeasureFact();
-    while (GetMinLen() < v && FMinUnit != TLenUnits::Meter)
-        SetMinUnit(static_cast<TLenUnits>(static_cast<std::uint8_t>(FMinUnit) - 1));
+    while (GetMinLen() < v && FRec.FMinUnit != TLenUnits::Meter)
+        SetMinUnit(static_cast<TLenUnits>(static_cast<std::uint8_t>(FRec.FMinUnit) - 1));
 }
 
 void TScaleSetting::InitMapping(double PixelsPerInch) {
-    FScale = static_cast<double>(FloatDiv(1, Frcp_Scale));
-    FPixPerM = Round32(Ext(InchPerMeter) * PixelsPerInch);
+    FRec.FScale = static_cast<double>(FloatDiv(1, Frcp_Scale));
+    FRec.FPixPerM = Round32(Ext(InchPerMeter) * PixelsPerInch);
     CorrectContext();
-    FRefScale.VPExt = FVPExt;
-    FRefScale.WndExt = FWndExt;
+    FRefScale.VPExt = FRec.FVPExt;
+    FRefScale.WndExt = FRec.FWndExt;
 }
 
 void TScaleSetting::CorrectContext() {
     const Ext S = GetScale();
     const Ext C = MaxCoord;
-    if (FMinUnit == TLenUnits::Pixel) {
+    if (FRec.FMinUnit == TLenUnits::Pixel) {
         Ext E = S * C;
         bool raised = false;
         while (E < 1) {
@@ -205,14 +175,14 @@ void TScaleSetting::CorrectContext() {
             SetScale(static_cast<double>(T));
             return;
         }
-        FVPExt = Round32(E);
-        FWndExt = Round32(E / S);
+        FRec.FVPExt = Round32(E);
+        FRec.FWndExt = Round32(E / S);
         return;
     }
 
     // K: pixels per logical unit at scale 1. The larger extent becomes MaxCoord, which keeps the
     // integer ratio as fine as 15 bits allow.
-    const Ext K = Ext(GetMinLen()) * FPixPerM;
+    const Ext K = Ext(GetMinLen()) * FRec.FPixPerM;
     Ext E = K < 1 / S ? S * C : C / K;
     if (Round(K * E) == 0) {
         do {
@@ -224,8 +194,8 @@ void TScaleSetting::CorrectContext() {
             return;
         }
     }
-    FVPExt = Round32(K * E);
-    FWndExt = Round32(E / S);
+    FRec.FVPExt = Round32(K * E);
+    FRec.FWndExt = Round32(E / S);
 }
 
 // --- Conversions ----------------------------------------------------------------------------------
@@ -233,24 +203,24 @@ void TScaleSetting::CorrectContext() {
 std::int32_t TScaleSetting::LogToPix(std::int32_t x) const {
     if (x == 0) return 0;
     const Ext S = GetScale();
-    if (FMinUnit == TLenUnits::Pixel) return Round32(S * x);
-    return Round32(S * (Ext(GetMinLen()) * x * FPixPerM));
+    if (FRec.FMinUnit == TLenUnits::Pixel) return Round32(S * x);
+    return Round32(S * (Ext(GetMinLen()) * x * FRec.FPixPerM));
 }
 
 std::int32_t TScaleSetting::PixToLog(std::int32_t x) const {
     if (x == 0) return 0;
     const Ext S = GetScale();
-    if (FMinUnit == TLenUnits::Pixel) return Round32(FloatDiv(x, S));
-    return Round32(FloatDiv(x, Ext(GetMinLen()) * FPixPerM * S));
+    if (FRec.FMinUnit == TLenUnits::Pixel) return Round32(FloatDiv(x, S));
+    return Round32(FloatDiv(x, Ext(GetMinLen()) * FRec.FPixPerM * S));
 }
 
 double TScaleSetting::LogToWorld(std::int32_t x) const {
-    if (FMinUnit == TLenUnits::Pixel) return x;
+    if (FRec.FMinUnit == TLenUnits::Pixel) return x;
     return static_cast<double>(Ext(GetMeasureFact()) * (Ext(GetMinLen()) * x));
 }
 
 std::int32_t TScaleSetting::WorldToLog(double w) const {
-    if (FMinUnit == TLenUnits::Pixel) return Round32(w);
+    if (FRec.FMinUnit == TLenUnits::Pixel) return Round32(w);
     return Round32(Ext(w) / GetMinLen() / GetMeasureFact());
 }
 
@@ -261,18 +231,18 @@ TPoint TScaleSetting::WldToLogPnt(double x, double y) const {
 std::int32_t TScaleSetting::MMToLog(double m) const {
     if (m == 0) return 0;
     const Ext S = GetScale();
-    if (FMinUnit == TLenUnits::Pixel) return Round32(Ext(m) / S / 1000 * FPixPerM);
+    if (FRec.FMinUnit == TLenUnits::Pixel) return Round32(Ext(m) / S / 1000 * FRec.FPixPerM);
     return Round32(Ext(m) / S / 1000 / GetMinLen());
 }
 
 std::int32_t TScaleSetting::MMToPix(double m) const {
     if (m == 0) return 0;
-    return Round32(Ext(FPixPerM) / 1000 * m);
+    return Round32(Ext(FRec.FPixPerM) / 1000 * m);
 }
 
 double TScaleSetting::PixToMM(std::int32_t x) const {
     if (x == 0) return 0.0;
-    return static_cast<double>(FloatDiv(1000, FPixPerM) * x);
+    return static_cast<double>(FloatDiv(1000, FRec.FPixPerM) * x);
 }
 
 std::int32_t TScaleSetting::GetTempFrame() const {
@@ -293,11 +263,11 @@ std::int32_t TScaleSetting::WorldDcls() const {
 // --- Direction and origin -------------------------------------------------------------------------
 
 std::int32_t TScaleSetting::GetDirHorz() const {
-    return FOrigin == TOrigin::RightTop || FOrigin == TOrigin::RightBottom ? -1 : 1;
+    return FRec.FOrigin == TOrigin::RightTop || FRec.FOrigin == TOrigin::RightBottom ? -1 : 1;
 }
 
 std::int32_t TScaleSetting::GetDirVert() const {
-    return FOrigin == TOrigin::LeftBottom || FOrigin == TOrigin::RightBottom ? -1 : 1;
+    return FRec.FOrigin == TOrigin::LeftBottom || FRec.FOrigin == TOrigin::RightBottom ? -1 : 1;
 }
 
 bool TScaleSetting::GetRightOrigin() const {
@@ -325,13 +295,13 @@ TPoint TScaleSetting::BottomRight(const TLimRec& L) const {
 }
 
 TPoint TScaleSetting::GetTopLeft_Log() const {
-    return {Wrap32(-std::int64_t(PixToLog(FVPOrg.x)) * GetDirHorz()),
-            Wrap32(-std::int64_t(PixToLog(FVPOrg.y)) * GetDirVert())};
+    return {Wrap32(-std::int64_t(PixToLog(FRec.FVPOrg.x)) * GetDirHorz()),
+            Wrap32(-std::int64_t(PixToLog(FRec.FVPOrg.y)) * GetDirVert())};
 }
 
 void TScaleSetting::SetTopLeft_Log(TPoint P) {
-    FVPOrg.x = Wrap32(-std::int64_t(LogToPix(P.x)) * GetDirHorz());
-    FVPOrg.y = Wrap32(-std::int64_t(LogToPix(P.y)) * GetDirVert());
+    FRec.FVPOrg.x = Wrap32(-std::int64_t(LogToPix(P.x)) * GetDirHorz());
+    FRec.FVPOrg.y = Wrap32(-std::int64_t(LogToPix(P.y)) * GetDirVert());
 }
 
 TPoint TScaleSetting::ClientMin_Log() const {
@@ -347,20 +317,22 @@ TPoint TScaleSetting::ClientMax_Log() const {
 // --- Placement and fitting ------------------------------------------------------------------------
 
 void TScaleSetting::CalcVPHome(const TRect& Rect, const TLimRec& LimRec) {
-    FVPHome.x = Wrap32(std::int64_t(Rect.Left) + (GetRightOrigin() ? std::int64_t(LogToPix(LimRec.Xmax))
-                                                                   : -std::int64_t(LogToPix(LimRec.Xmin))));
-    FVPHome.y = Wrap32(std::int64_t(Rect.Top) + (GetBottomOrigin() ? std::int64_t(LogToPix(LimRec.Ymax))
-                                                                   : -std::int64_t(LogToPix(LimRec.Ymin))));
+    FRec.FVPHome.x =
+        Wrap32(std::int64_t(Rect.Left) + (GetRightOrigin() ? std::int64_t(LogToPix(LimRec.Xmax))
+                                                           : -std::int64_t(LogToPix(LimRec.Xmin))));
+    FRec.FVPHome.y =
+        Wrap32(std::int64_t(Rect.Top) + (GetBottomOrigin() ? std::int64_t(LogToPix(LimRec.Ymax))
+                                                           : -std::int64_t(LogToPix(LimRec.Ymin))));
     // Centring halves the free room toward zero.
     if (State.Contains(scCenterH)) {
         const std::int32_t free =
             Wrap32(std::int64_t(Wrap32(std::int64_t(Rect.Right) - Rect.Left)) - LogToPix(LimWidth(LimRec)));
-        FVPHome.x = Wrap32(std::int64_t(FVPHome.x) + free / 2);
+        FRec.FVPHome.x = Wrap32(std::int64_t(FRec.FVPHome.x) + free / 2);
     }
     if (State.Contains(scCenterV)) {
         const std::int32_t free =
             Wrap32(std::int64_t(Wrap32(std::int64_t(Rect.Bottom) - Rect.Top)) - LogToPix(LimHeight(LimRec)));
-        FVPHome.y = Wrap32(std::int64_t(FVPHome.y) + free / 2);
+        FRec.FVPHome.y = Wrap32(std::int64_t(FRec.FVPHome.y) + free / 2);
     }
 }
 
@@ -372,13 +344,13 @@ void TScaleSetting::ScaleToFit(const TRect& Rect, const TLimRec& LimRec) {
     const std::int32_t rectH = Wrap32(std::int64_t(Rect.Bottom) - Rect.Top);
     Ext sx;
     Ext sy;
-    if (FMinUnit == TLenUnits::Pixel) {
+    if (FRec.FMinUnit == TLenUnits::Pixel) {
         sx = FloatDiv(rectW, limW);
         sy = FloatDiv(rectH, limH);
     } else {
         const Ext L = GetMinLen();
-        sx = FloatDiv(rectW, L * limW * FPixPerM);
-        sy = FloatDiv(rectH, L * limH * FPixPerM);
+        sx = FloatDiv(rectW, L * limW * FRec.FPixPerM);
+        sy = FloatDiv(rectH, L * limH * FRec.FPixPerM);
     }
     // The smaller scale makes both axes fit; the vertical one wins a tie.
     SetScale(static_cast<double>(sx < sy ? sx : sy));
@@ -393,8 +365,8 @@ void TScaleSetting::SetFullScreen(TScaleFitSource& DataMod, const TClientAreaSou
 }
 
 void TScaleSetting::FitToRect(TScaleFitSource& DataMod, TRect Target, bool Windowed) {
-    if (FBlankZone > 0) {
-        const std::int32_t b = MMToPix(FBlankZone);
+    if (FRec.FBlankZone > 0) {
+        const std::int32_t b = MMToPix(FRec.FBlankZone);
         Target.Left += b;
         Target.Top += b;
         Target.Right -= b;
@@ -427,7 +399,7 @@ void TScaleSetting::FitToRect(TScaleFitSource& DataMod, TRect Target, bool Windo
         State.Exclude(scChanged);
     }
     CalcVPHome(Target, DataMod.GetLimits());
-    FVPOrg = FVPHome;
+    FRec.FVPOrg = FRec.FVPHome;
     State.Exclude(scCenterH);
     State.Exclude(scCenterV);
 }
@@ -436,16 +408,16 @@ void TScaleSetting::FitToRect(TScaleFitSource& DataMod, TRect Target, bool Windo
 
 void TScaleSetting::SetMap(HDC DC) {
     SetMapMode(DC, MM_ANISOTROPIC);
-    SetViewportOrgEx(DC, FVPOrg.x, FVPOrg.y);
+    SetViewportOrgEx(DC, FRec.FVPOrg.x, FRec.FVPOrg.y);
     SetWindowOrgEx(DC, 0, 0);
     if (State.Contains(scRefScale)) {
         // Text is measured at the load-time scale, so the direction does not matter here.
         SetWindowExtEx(DC, FRefScale.WndExt, FRefScale.WndExt);
         SetViewportExtEx(DC, FRefScale.VPExt, FRefScale.VPExt);
     } else {
-        SetWindowExtEx(DC, FWndExt, FWndExt);
-        SetViewportExtEx(DC, Wrap32(std::int64_t(GetDirHorz()) * FVPExt),
-                         Wrap32(std::int64_t(GetDirVert()) * FVPExt));
+        SetWindowExtEx(DC, FRec.FWndExt, FRec.FWndExt);
+        SetViewportExtEx(DC, Wrap32(std::int64_t(GetDirHorz()) * FRec.FVPExt),
+                         Wrap32(std::int64_t(GetDirVert()) * FRec.FVPExt));
     }
     State.Exclude(scMMScaled);
 }
@@ -458,12 +430,12 @@ void TScaleSetting::ScaleToMM() {
     HDC dc = CanvasHandle();
     SetMapMode(dc, MM_ANISOTROPIC);
     SetWindowExtEx(dc, 10000, 10000);
-    SetViewportExtEx(dc, FPixPerM, FPixPerM);
+    SetViewportExtEx(dc, FRec.FPixPerM, FRec.FPixPerM);
     State.Include(scMMScaled);
 }
 
 void TScaleSetting::SetPixPerM(std::int32_t Value) {
-    if (Value == FPixPerM) return;
+    if (Value == FRec.FPixPerM) return;
     if (Value < 1) {
         HDC dc = CanvasHandle();
         TDeviceResolution device;
@@ -471,9 +443,9 @@ void TScaleSetting::SetPixPerM(std::int32_t Value) {
         device.VertRes = GetDeviceCaps(dc, VERTRES);
         device.HorzSize = GetDeviceCaps(dc, HORZSIZE);
         device.VertSize = GetDeviceCaps(dc, VERTSIZE);
-        FPixPerM = CalcPixPerM(device).x;
+        FRec.FPixPerM = CalcPixPerM(device).x;
     } else {
-        FPixPerM = Value;
+        FRec.FPixPerM = Value;
     }
     CorrectContext();
 }

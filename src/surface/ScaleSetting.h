@@ -113,10 +113,10 @@ public:
     void Assign(TPersistent* Source) override;
 
     // --- Units ------------------------------------------------------------------------------------
-    TLenUnits MinUnit() const { return FMinUnit; }
+    TLenUnits MinUnit() const { return FRec.FMinUnit; }
     void SetMinUnit(TLenUnits Value);
-    TLenUnits Measure() const { return FMeasure; }
-    void SetMeasure(TLenUnits Value) { FMeasure = Value; }
+    TLenUnits Measure() const { return FRec.FMeasure; }
+    void SetMeasure(TLenUnits Value) { FRec.FMeasure = Value; }
     // Metres per logical unit (1.0 for `Pixel`).
     double MinLen() const { return GetMinLen(); }
     double GetMinLen() const;
@@ -125,15 +125,15 @@ public:
     double GetMeasureFact() const;
 
     // --- Scale ------------------------------------------------------------------------------------
-    // `FScale`, or 1.0 while it is 0 or less.
+    // `FRec.FScale`, or 1.0 while it is 0 or less.
     double GetScale() const;
     double Scale() const { return GetScale(); }
-    double RawScale() const { return FScale; }
+    double RawScale() const { return FRec.FScale; }
     void SetScale(double Value);
     std::int32_t Rcp_Scale() const { return Frcp_Scale; }
     void SetRcp_Scale(std::int32_t Value);
-    double MaxScale() const { return FmaxScale; }
-    void SetMaxScale(double Value) { FmaxScale = Value; }
+    double MaxScale() const { return FRec.FmaxScale; }
+    void SetMaxScale(double Value) { FRec.FmaxScale = Value; }
     std::int32_t Getrcp_Limit() const;
     std::int32_t Rcp_Limit() const { return Getrcp_Limit(); }
     void Setrcp_Limit(std::int32_t Value);
@@ -142,25 +142,25 @@ public:
     void SetMaxWorld(double Value);
 
     // --- Device -----------------------------------------------------------------------------------
-    std::int32_t PixPerM() const { return FPixPerM; }
+    std::int32_t PixPerM() const { return FRec.FPixPerM; }
     // Stores a changed value, or for a value below 1 the pixels per metre of the canvas's device;
     // then chooses the extents anew.
     void SetPixPerM(std::int32_t Value);
-    std::int32_t VPExt() const { return FVPExt; }
-    std::int32_t WndExt() const { return FWndExt; }
+    std::int32_t VPExt() const { return FRec.FVPExt; }
+    std::int32_t WndExt() const { return FRec.FWndExt; }
     const TRefScale& RefScale() const { return FRefScale; }
     void SetRefScale(const TRefScale& Value) { FRefScale = Value; }
-    std::int32_t BlankZone() const { return FBlankZone; }
-    void SetBlankZone(std::int32_t Value) { FBlankZone = Value; }
-    TOrigin Origin() const { return FOrigin; }
-    void SetOrigin(TOrigin Value) { FOrigin = Value; }
+    std::int32_t BlankZone() const { return FRec.FBlankZone; }
+    void SetBlankZone(std::int32_t Value) { FRec.FBlankZone = Value; }
+    TOrigin Origin() const { return FRec.FOrigin; }
+    void SetOrigin(TOrigin Value) { FRec.FOrigin = Value; }
     TCanvas* Canvas() const { return FCanvas; }
     void SetCanvas(TCanvas* Value) { FCanvas = Value; }
 
-    // The mapping of the draw box's load: `FScale` := 1 / `Frcp_Scale`, `FPixPerM` :=
+    // The mapping of the draw box's load: `FRec.FScale` := 1 / `Frcp_Scale`, `FRec.FPixPerM` :=
     // round(`InchPerMeter` × `PixelsPerInch`), `CorrectContext`, and the reference extents.
     void InitMapping(double PixelsPerInch);
-    // Chooses `FVPExt` and `FWndExt` for the present scale, unit and resolution; raises a scale too
+    // Chooses `FRec.FVPExt` and `FRec.FWndExt` for the present scale, unit and resolution; raises a scale too
     // small to be represented to the smallest one that is.
     void CorrectContext();
 
@@ -175,24 +175,24 @@ public:
 
     // --- Viewport ---------------------------------------------------------------------------------
     // These read and write the points without any further effect: the caller invalidates.
-    TPoint VPHome() const { return FVPHome; }
-    void SetVPHome(TPoint Value) { FVPHome = Value; }
-    std::int32_t VPHomeX() const { return FVPHome.x; }
-    std::int32_t VPHomeY() const { return FVPHome.y; }
-    std::int32_t VPOrgX() const { return FVPOrg.x; }
-    std::int32_t VPOrgY() const { return FVPOrg.y; }
-    std::int32_t GetVPHomeX() const { return FVPHome.x; }
-    std::int32_t GetVPHomeY() const { return FVPHome.y; }
-    void SetVPHomeX(std::int32_t Value) { FVPHome.x = Value; }
-    void SetVPHomeY(std::int32_t Value) { FVPHome.y = Value; }
-    TPoint VPOrg() const { return FVPOrg; }
-    void SetVPOrg(TPoint Value) { FVPOrg = Value; }
-    std::int32_t GetVPOrgX() const { return FVPOrg.x; }
-    std::int32_t GetVPOrgY() const { return FVPOrg.y; }
-    void SetVPOrgX(std::int32_t Value) { FVPOrg.x = Value; }
-    void SetVPOrgY(std::int32_t Value) { FVPOrg.y = Value; }
+    TPoint VPHome() const { return FRec.FVPHome; }
+    void SetVPHome(TPoint Value) { FRec.FVPHome = Value; }
+    std::int32_t VPHomeX() const { return FRec.FVPHome.x; }
+    std::int32_t VPHomeY() const { return FRec.FVPHome.y; }
+    std::int32_t VPOrgX() const { return FRec.FVPOrg.x; }
+    std::int32_t VPOrgY() const { return FRec.FVPOrg.y; }
+    std::int32_t GetVPHomeX() const { return FRec.FVPHome.x; }
+    std::int32_t GetVPHomeY() const { return FRec.FVPHome.y; }
+    void SetVPHomeX(std::int32_t Value) { FRec.FVPHome.x = Value; }
+    void SetVPHomeY(std::int32_t Value) { FRec.FVPHome.y = Value; }
+    TPoint VPOrg() const { return FRec.FVPOrg; }
+    void SetVPOrg(TPoint Value) { FRec.FVPOrg = Value; }
+    std::int32_t GetVPOrgX() const { return FRec.FVPOrg.x; }
+    std::int32_t GetVPOrgY() const { return FRec.FVPOrg.y; }
+    void SetVPOrgX(std::int32_t Value) { FRec.FVPOrg.x = Value; }
+    void SetVPOrgY(std::int32_t Value) { FRec.FVPOrg.y = Value; }
 
-    // Places the limits in a device rectangle: sets `FVPHome` (centred with `scCenterH`/`scCenterV`).
+    // Places the limits in a device rectangle: sets `FRec.FVPHome` (centred with `scCenterH`/`scCenterV`).
     void CalcVPHome(const TRect& Rect, const TLimRec& LimRec);
     // Sets the scale at which the limits fill the rectangle; nothing for limits without width or height.
     void ScaleToFit(const TRect& Rect, const TLimRec& LimRec);
@@ -255,8 +255,8 @@ public:
     std::int32_t WorldDcls() const;
 
     // --- The block and the notification ------------------------------------------------------------
-    TScaleRec ScaleRec() const;
-    void SetScaleRec(const TScaleRec& Rec);
+    TScaleRec ScaleRec() const { return FRec; }
+    void SetScaleRec(const TScaleRec& Rec) { FRec = Rec; }
 
     const TNotifyEvent& OnScaleChange() const { return FOnScaleChange; }
     void SetOnScaleChange(TNotifyEvent Value) { FOnScaleChange = std::move(Value); }
@@ -265,19 +265,8 @@ public:
 
 private:
     TCanvas* FCanvas = nullptr; // borrowed
-    // The block of `TScaleRec`, in its order.
-    TPoint FVPHome;
-    TPoint FVPOrg;
-    std::int32_t FVPExt = 0;
-    std::int32_t FWndExt = 0;
-    TLenUnits FMinUnit = TLenUnits::mm_10;
-    double FScale = 0.0;
-    double FmaxScale = 0.0;
-    TLenUnits FMeasure = TLenUnits::Meter;
-    std::int32_t FPixPerM = 0;
-    std::int32_t FBlankZone = 0;
-    TOrigin FOrigin = TOrigin::LeftTop;
-    // End of the block.
+    // The block that makes one scale setting the equal of another.
+    TScaleRec FRec;
     TRefScale FRefScale;
     std::int32_t Frcp_Scale = 1;
     TRect FClientRect_Log;
