@@ -1,5 +1,6 @@
 #include "geometry/Reclist.h"
 
+#include "platform/core/Assert.h"
 #include "platform/core/Exceptions.h"
 #include "platform/core/Numerics.h"
 #include "platform/core/Streams.h"
@@ -155,21 +156,28 @@ void* TRecordList::Get(std::int32_t Index) {
     return RecordAt(Index);
 }
 
-std::int32_t TRecordList::Add(const void* Rec) {
+const std::uint8_t* TRecordList::RoomForOneMore(const void* Rec, std::vector<std::uint8_t>& Copy) {
     // A record from inside the block would move with a reallocation: take a copy first.
-    std::vector<std::uint8_t> copy;
     const auto* src = static_cast<const std::uint8_t*>(Rec);
     if (FList && src >= FList.get() && src < FList.get() + AllocatedBytes()) {
-        copy.assign(src, src + FRecSize);
-        src = copy.data();
+        Copy.assign(src, src + FRecSize);
+        src = Copy.data();
     }
     if (FCount == FCapacity) Grow();
     if (FCount >= FCapacity) {
         Error(msg::ListCapacityError, FCapacity);
-        return -1;
+        return nullptr;
     }
     Reserve(FCount + 1);
+    return src;
+}
+
+std::int32_t TRecordList::Add(const void* Rec) {
+    std::vector<std::uint8_t> copy;
+    const std::uint8_t* src = RoomForOneMore(Rec, copy);
+    if (!src) return -1;
     std::memcpy(RecordAt(FCount), src, FRecSize);
+    VL_ASSERT(FCount < FAllocated && FAllocated <= FCapacity);
     return FCount++;
 }
 
@@ -226,17 +234,8 @@ void TRecordList::Insert(std::int32_t Index, const void* Rec) {
         return;
     }
     std::vector<std::uint8_t> copy;
-    const auto* src = static_cast<const std::uint8_t*>(Rec);
-    if (FList && src >= FList.get() && src < FList.get() + AllocatedBytes()) {
-        copy.assign(src, src + FRecSize);
-        src = copy.data();
-    }
-    if (FCount == FCapacity) Grow();
-    if (FCount >= FCapacity) {
-        Error(msg::ListCapacityError, FCapacity);
-        return;
-    }
-    Reserve(FCount + 1);
+    const std::uint8_t* src = RoomForOneMore(Rec, copy);
+    if (!src) return;
     if (Index < FCount) {
         // Both places go through `Get` and its check against the old count: at `Count - 1` the
         // second one raises.
@@ -247,6 +246,7 @@ void TRecordList::Insert(std::int32_t Index, const void* Rec) {
     // At `Count` this raises as well.
     std::memcpy(Get(Index), src, FRecSize);
     ++FCount;
+    VL_ASSERT(FCount <= FAllocated && FAllocated <= FCapacity);
 }
 
 void TRecordList::Move(std::int32_t CurIndex, std::int32_t NewIndex) {

@@ -36,6 +36,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace vl {
 
@@ -113,6 +114,10 @@ private:
     std::int32_t FAllocated = 0;
     bool IndexValid(std::int32_t Index) const { return Index >= 0 && Index < FCount; }
     std::size_t AllocatedBytes() const { return static_cast<std::size_t>(FAllocated) * FRecSize; }
+    // Makes room for one more record (growing the list when it is full) and answers the bytes of
+    // `Rec` to store, copied into `Copy` when they lie in the block; null when the list is full and a
+    // lenient `Error` returned.
+    const std::uint8_t* RoomForOneMore(const void* Rec, std::vector<std::uint8_t>& Copy);
     // Takes `Value` as the capacity after `SetCapacity`'s checks. `AllocateAll` allocates all of it
     // when it differs from the capacity; otherwise the block is cut to the records in use.
     void ChangeCapacity(std::int32_t Value, bool AllocateAll);

@@ -7,6 +7,8 @@
 
 #include "platform/gdi/DeviceContext.h"
 
+#include "platform/core/Assert.h"
+
 #include <QImage>
 #include <QPaintDevice>
 
@@ -455,6 +457,8 @@ bool RestoreDC(HDC dc, int saved) {
     const TGdiObject* bitmapBefore = dc->FState.Bitmap.Get();
     TDcState state = dc->FSaved[std::size_t(target - 1)];
     dc->FSaved.resize(std::size_t(target - 1));
+    // The stack only shrinks here, to exactly the level below the one restored.
+    VL_ASSERT(int(dc->FSaved.size()) == target - 1 && int(dc->FSaved.size()) < levels);
     if (dc->IsMemory() && state.Bitmap.Get() != bitmapBefore && state.Bitmap.Get())
         dc->SelectBitmap(static_cast<TGdiBitmap*>(state.Bitmap.Get()));
     dc->FState = std::move(state);
