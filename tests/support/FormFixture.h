@@ -6,8 +6,11 @@
 #include "platform/services/Services.h"
 #include "platform/window/Controls.h"
 #include "surface/Drawbox.h"
+#include "surface/ScaleSetting.h"
 
 #include <QApplication>
+#include <QImage>
+#include <QScreen>
 #include <QTest>
 #include <QWidget>
 #include <QWindow>
@@ -35,6 +38,16 @@ protected:
         box->SetBoundsRect(Bounds);
         return box;
     }
+    // The form of 400 by 300 with the draw box "Box1" at (10, 10), 300 by 200 pixels, white, one
+    // logical unit per pixel with the origin at the top left, so that logical positions are the
+    // box's client pixels.
+    TvlDrawbox* NewPixelBoxForm() {
+        NewForm(Bounds(0, 0, 400, 300));
+        TvlDrawbox* box = NewBox(Rect(10, 10, 310, 210));
+        box->SetColor(clWhite);
+        box->ScaleSetting().SetMinUnit(TLenUnits::Pixel);
+        return box;
+    }
     // `Loaded` of the form and then of every component, in creation order.
     void LoadForm() {
         Form->BeginLoadingAll();
@@ -51,6 +64,13 @@ protected:
         for (int i = 0; i < 3; ++i) QApplication::processEvents();
     }
     QWindow* Window() const { return Form->Widget()->windowHandle(); }
+    // The colour (0xRRGGBB) that reached the form's window at `At`, in the window's coordinates: what
+    // is in the window's backing store.
+    QRgb WindowPixel(QPoint At) const {
+        const QImage shot =
+            Form->Widget()->screen()->grabWindow(Form->Widget()->winId(), At.x(), At.y(), 1, 1).toImage();
+        return shot.pixel(0, 0) & 0xFFFFFF;
+    }
 
     // Made by the fixtures' `SetUp`; freed in their `TearDown`.
     std::unique_ptr<TForm> Form;
