@@ -15,8 +15,8 @@ TEST_F(ObjectBaseTest, ConstructionCountsTheToolsLivingObjects) {
     TCustomGenerator& gen = *ToolA->Generator();
     const std::uint16_t before = gen.Instance();
     {
-        TObjTestObj a(ToolA);
-        auto b = std::make_unique<TObjTestObj>(ToolA);
+        TTestObject a(ToolA);
+        auto b = std::make_unique<TTestObject>(ToolA);
         EXPECT_EQ(gen.Instance(), before + 2);
         b.reset();
         EXPECT_EQ(gen.Instance(), before + 1);
@@ -25,7 +25,7 @@ TEST_F(ObjectBaseTest, ConstructionCountsTheToolsLivingObjects) {
 }
 
 TEST_F(ObjectBaseTest, NewObjectStartsZeroed) {
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     EXPECT_EQ(obj.Tool(), ToolA);
     EXPECT_EQ(obj.ID(), 0);
     EXPECT_TRUE(obj.State.Empty());
@@ -56,20 +56,20 @@ TEST_F(ObjectBaseTest, EnumerationsKeepTheirOrder) {
 }
 
 TEST_F(ObjectBaseTest, ClassNumberIsTheToolsID) {
-    TObjTestObj a(ToolA);
+    TTestObject a(ToolA);
     EXPECT_EQ(a.ClassNr(), -5);
-    auto* indexed = new TObjTestCreator(Form.get());
-    TObjTestObj b(indexed);
+    auto* indexed = new TTestCreator(Form.get());
+    TTestObject b(indexed);
     EXPECT_EQ(b.ClassNr(), indexed->ComponentIndex());
 }
 
 TEST_F(ObjectBaseTest, CountNumbersFromTheGeneratorsCounter) {
     ToolA->Generator()->SetCounter(2);
     ToolB->Generator()->SetCounter(2);
-    Store->Counters[2] = 40;
-    TObjTestObj a(ToolA);
-    TObjTestObj b(ToolB);
-    TObjTestObj c(ToolA);
+    Store->CounterValues[2] = 40;
+    TTestObject a(ToolA);
+    TTestObject b(ToolB);
+    TTestObject c(ToolA);
     a.Count();
     b.Count();
     c.Count();
@@ -83,16 +83,16 @@ TEST_F(ObjectBaseTest, CountNumbersFromTheGeneratorsCounter) {
 }
 
 TEST_F(ObjectBaseTest, DataModuleIsTheToolsBoxModule) {
-    TObjTestObj a(ToolA);
+    TTestObject a(ToolA);
     EXPECT_EQ(a.GetDataModule(), Store);
     ToolB->SetDrawForm(nullptr);
-    TObjTestObj b(ToolB);
+    TTestObject b(ToolB);
     EXPECT_EQ(b.GetDataModule(), nullptr);
     EXPECT_EQ(b.FindObject(TContype{-5, 1, nullptr}), nullptr);
 }
 
 TEST_F(ObjectBaseTest, BaseDefaultsAreEmpty) {
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     obj.SetText(QStringLiteral("x"));
     EXPECT_EQ(obj.Text(), QString());
     TvlObject plain(ToolA);
@@ -112,8 +112,8 @@ TEST_F(ObjectBaseTest, FontIsTheGeneratorsUnlessMasterFontAppliesToASlave) {
     ToolA->Generator()->FontBackup = -20;
     ToolB->Generator()->Font().SetName(QStringLiteral("Courier New"));
     ToolB->Generator()->FontBackup = -30;
-    TObjTestObj master(ToolA);
-    TObjTestObj slave(ToolB);
+    TTestObject master(ToolA);
+    TTestObject slave(ToolB);
     slave.SetMaster(&master);
     EXPECT_EQ(slave.Font(), &ToolB->Generator()->Font());
     EXPECT_EQ(slave.FontHeightBk(), -30);
@@ -121,17 +121,17 @@ TEST_F(ObjectBaseTest, FontIsTheGeneratorsUnlessMasterFontAppliesToASlave) {
     EXPECT_EQ(slave.Font(), &ToolA->Generator()->Font());
     EXPECT_EQ(slave.FontHeightBk(), -20);
     // A free object of the same tool keeps its own font.
-    TObjTestObj free1(ToolB);
+    TTestObject free1(ToolB);
     EXPECT_EQ(free1.Font(), &ToolB->Generator()->Font());
     EXPECT_EQ(free1.FontHeightBk(), -30);
 }
 
 TEST_F(ObjectBaseTest, MasterFontFollowsAChain) {
     ToolB->Generator()->SetOptions(TGeneratorOptions(goMasterFont));
-    TObjTestObj root(ToolA);
-    TObjTestObj mid(ToolB);
+    TTestObject root(ToolA);
+    TTestObject mid(ToolB);
     mid.SetMaster(&root);
-    TObjTestObj leaf(ToolB);
+    TTestObject leaf(ToolB);
     leaf.SetMaster(&mid);
     EXPECT_EQ(leaf.Font(), &ToolA->Generator()->Font());
 }
@@ -139,14 +139,14 @@ TEST_F(ObjectBaseTest, MasterFontFollowsAChain) {
 TEST_F(ObjectBaseTest, HotSpotIsTheGenerators) {
     ToolA->Generator()->SetHotspotX(4);
     ToolA->Generator()->SetHotspotY(-7);
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     EXPECT_EQ(obj.HotSpot(), Point(4, -7));
 }
 
 TEST_F(ObjectBaseTest, ReferencePointEventPlacesASlave) {
-    TObjTestObj master(ToolB);
+    TTestObject master(ToolB);
     master.SetPos(Point(1000, 1000));
-    TObjTestObj slave(ToolA);
+    TTestObject slave(ToolA);
     slave.SetMaster(&master);
     std::vector<TvlObject*> asked;
     ToolA->OnCalcRefPoint = [&asked](TvlObject* Obj, TPoint& Ref) {
@@ -180,14 +180,14 @@ TEST_F(ObjectBaseTest, ReferencePointEventPlacesASlave) {
 TEST_F(ObjectBaseTest, ReferencePointEventLeavesFreeObjectsAlone) {
     bool asked = false;
     ToolA->OnCalcRefPoint = [&asked](TvlObject*, TPoint&) { asked = true; };
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     obj.SetX(9);
     EXPECT_EQ(obj.X_Log(), 9);
     EXPECT_FALSE(asked);
 }
 
 TEST_F(ObjectBaseTest, VisibilityNeedsTheFlagAndNoHiddenTool) {
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     EXPECT_FALSE(obj.Visible());
     obj.SetVisible(true);
     EXPECT_TRUE(obj.Visible());
@@ -201,7 +201,7 @@ TEST_F(ObjectBaseTest, VisibilityNeedsTheFlagAndNoHiddenTool) {
 }
 
 TEST_F(ObjectBaseTest, NosyObjectsAreThoseOfANosyTool) {
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     EXPECT_FALSE(obj.Nosy());
     ToolA->Generator()->SetRtOptions(TRuntimeOptions(roNosy));
     EXPECT_TRUE(obj.Nosy());
@@ -211,7 +211,7 @@ TEST_F(ObjectBaseTest, ShadowWidensMaxLimitsByItsOffsetAndThreePenWidths) {
     Box->Shadows().SetdX(10);
     Box->Shadows().SetdY(7);
     ToolA->Generator()->Pen().SetWidth(2);
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     obj.SetPos(Point(100, 200));
     obj.W = 20;
     obj.H = 30;
@@ -226,7 +226,7 @@ TEST_F(ObjectBaseTest, SizingRaisesOnlyTheSmallerMargin) {
     Box->Shadows().SetdX(frame + 5);
     Box->Shadows().SetdY(0);
     ToolA->Generator()->SetOptions(TGeneratorOptions(goShadows));
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     obj.State.Include(isSizing);
     const TLimRec l = obj.GetMaxLimits();
     EXPECT_EQ(l.Xmax, frame + 5 + 3);
@@ -234,7 +234,7 @@ TEST_F(ObjectBaseTest, SizingRaisesOnlyTheSmallerMargin) {
 }
 
 TEST_F(ObjectBaseTest, CheckFrameIsInclusive) {
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     obj.SetPos(Point(10, 10));
     obj.W = 10;
     obj.H = 10; // max limits 7..23 with one pen width
@@ -251,13 +251,13 @@ TEST_F(ObjectBaseTest, CheckFrameIsInclusive) {
 // --- Reactions to operations on the master ------------------------------------------------------
 
 struct Pair {
-    TObjTestObj* Master;
-    TObjTestObj* Slave;
+    TTestObject* Master;
+    TTestObject* Slave;
 };
 
-Pair MakePair(TObjTestDataMod& Store, TvlCreator* MasterTool, TvlCreator* SlaveTool) {
-    auto* m = Store.Add(MasterTool, 1);
-    auto* s = Store.Add(SlaveTool, 2);
+Pair MakePair(TStandInStore& Store, TvlCreator* MasterTool, TvlCreator* SlaveTool) {
+    auto* m = AddNumbered(Store, MasterTool, 1);
+    auto* s = AddNumbered(Store, SlaveTool, 2);
     s->SetMaster(m);
     m->SetVisible(true);
     s->SetVisible(true);
@@ -307,7 +307,7 @@ TEST_F(ObjectBaseTest, InvolvedInCopyMakesTheSlaveFollowItsMastersSelection) {
 }
 
 TEST_F(ObjectBaseTest, InvolvedLeavesFreeObjectsAlone) {
-    auto* obj = Store->Add(ToolA, 1);
+    auto* obj = AddNumbered(*Store, ToolA, 1);
     obj->SetVisible(true);
     Store->Select(obj);
     for (TInvolve code : {invMove, invDelete, invCopy}) EXPECT_EQ(obj->Involved(code), 0);
@@ -327,7 +327,7 @@ TEST_F(ObjectBaseTest, SlaveOfAnUnselectedMasterCannotBeDeleted) {
 }
 
 TEST_F(ObjectBaseTest, DeletableObjectIsMarkedAndInvalidated) {
-    auto* obj = Store->Add(ToolA, 1);
+    auto* obj = AddNumbered(*Store, ToolA, 1);
     obj->SetPos(Point(100, 50));
     obj->W = 10;
     obj->H = 10;

@@ -7,7 +7,7 @@ namespace {
 using ObjectHandles = PaintFixture;
 
 TEST_F(ObjectHandles, HandlesAreDrawnWithTheMarkAtTheCorners) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     PaintAll();
     MarkObject(o);
     o->SetSizing(true);
@@ -30,7 +30,7 @@ TEST_F(ObjectHandles, HandlesAreDrawnWithTheMarkAtTheCorners) {
 }
 
 TEST_F(ObjectHandles, SizingHandleIsFoundByPosition) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     o->SetSizing(true);
     struct Row {
         TPoint Pt;
@@ -52,7 +52,7 @@ TEST_F(ObjectHandles, SizingHandleIsFoundByPosition) {
 }
 
 TEST_F(ObjectHandles, HandlesAreRepaintedAwayWhenSizingEnds) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     PaintAll();
     MarkObject(o);
     o->SetSizing(true);
@@ -68,7 +68,7 @@ TEST_F(ObjectHandles, HandlesAreRepaintedAwayWhenSizingEnds) {
 }
 
 TEST_F(ObjectHandles, APaintDrawsTheHandlesOfASizingMarkedObject) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     MarkObject(o);
     o->SetSizing(true);
     PaintAll();

@@ -8,21 +8,21 @@ namespace {
 using ObjectHit = PaintFixture;
 
 TEST_F(ObjectHit, FoundOnAnInvisibleObjectIsFalseWithoutAskingTheShape) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     o->SetVisible(false);
     EXPECT_FALSE(o->Found(LimRec(55, 45, 57, 47)));
     EXPECT_EQ(o->ShapeChecks, 0);
 }
 
 TEST_F(ObjectHit, FoundOnAnObjectOfAHiddenToolIsFalseWithoutAskingTheShape) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     Gen().SetRtOptions(TRuntimeOptions{roHidden});
     EXPECT_FALSE(o->Found(LimRec(55, 45, 57, 47)));
     EXPECT_EQ(o->ShapeChecks, 0);
 }
 
 TEST_F(ObjectHit, FoundOutsideTheFrameIsFalseWithoutAskingTheShape) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     // The frame reaches three pen widths beyond the limits: 47 to 73.
     EXPECT_FALSE(o->Found(LimRec(74, 45, 76, 47)));
     EXPECT_EQ(o->ShapeChecks, 0);
@@ -34,7 +34,7 @@ TEST_F(ObjectHit, FoundOutsideTheFrameIsFalseWithoutAskingTheShape) {
 }
 
 TEST_F(ObjectHit, FoundAdjustsToAChangedScaleFirst) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     o->SetVisible(false);
     Box->ScaleSetting().State.Include(scChanged);
     EXPECT_FALSE(o->Found(LimRec(55, 45, 57, 47)));
@@ -43,14 +43,14 @@ TEST_F(ObjectHit, FoundAdjustsToAChangedScaleFirst) {
 }
 
 TEST_F(ObjectHit, FoundDoesNotLookAtDontFind) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     Gen().SetOptions(TGeneratorOptions{goDontFind});
     EXPECT_TRUE(o->Found(LimRec(55, 45, 57, 47)));
 }
 
 TEST_F(ObjectHit, LastObjectInZOrderIsFoundUnderAPoint) {
-    TPaintObj* lower = AddObj(Point(50, 40), "lower");
-    TPaintObj* upper = AddObj(Point(60, 45), "upper");
+    TTestObject* lower = AddObj(Point(50, 40), "lower");
+    TTestObject* upper = AddObj(Point(60, 45), "upper");
     auto find = [&](TPoint P) {
         TLimRec lims = LimRec(P.x - 1, P.y - 1, P.x + 1, P.y + 1);
         TvlObject* hit = nullptr;
@@ -67,7 +67,7 @@ TEST_F(ObjectHit, LastObjectInZOrderIsFoundUnderAPoint) {
 }
 
 TEST_F(ObjectHit, CheckFrameWithAPointOnTheEdgeIsTrue) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     const TLimRec l = o->GetMaxLimits();
     ASSERT_EQ(l, LimRec(47, 37, 73, 63));
     for (TPoint p : {Point(47, 37), Point(73, 63), Point(47, 63), Point(73, 37)})
@@ -77,7 +77,7 @@ TEST_F(ObjectHit, CheckFrameWithAPointOnTheEdgeIsTrue) {
 }
 
 TEST_F(ObjectHit, CheckFrameWithARectangleTouchingTheEdgeIsTrue) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     TRect touchRight = Rect(73, 0, 100, 37);
     EXPECT_TRUE(o->CheckFrame(&touchRight, cfRect));
     TRect beyond = Rect(74, 0, 100, 37);
@@ -89,7 +89,7 @@ TEST_F(ObjectHit, CheckFrameWithARectangleTouchingTheEdgeIsTrue) {
 }
 
 TEST_F(ObjectHit, CheckFrameOnAFlippedAxisNeedsARectangleThatSpansTheObject) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     Box->ScaleSetting().SetOrigin(TOrigin::RightBottom);
     // Overlap from the right and below is not enough on flipped axes...
     TRect overlap = Rect(100, 100, 60, 50);
@@ -104,7 +104,7 @@ TEST_F(ObjectHit, CheckFrameOnAFlippedAxisNeedsARectangleThatSpansTheObject) {
 
 TEST_F(ObjectHit, SquareGivesNoLogicalRegionButADeviceRectangle) {
     Gen().SetShape(stSquare);
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     EXPECT_EQ(o->CreateShapeRgn(rmLog), nullptr);
     SetWindowOrgEx(Canvas().Handle(), -50, -40);
     HRGN rgn = o->CreateShapeRgn(rmDev);
@@ -117,7 +117,7 @@ TEST_F(ObjectHit, SquareGivesNoLogicalRegionButADeviceRectangle) {
 }
 
 TEST_F(ObjectHit, ShapeRegionsFollowTheShape) {
-    TPaintObj* o = AddObj(Point(50, 40), "o", 40, 20);
+    TTestObject* o = AddObj(Point(50, 40), "o", 40, 20);
     Gen().SetShape(stEllipse);
     HRGN ellipse = o->CreateShapeRgn(rmLog);
     ASSERT_NE(ellipse, nullptr);
@@ -140,7 +140,7 @@ TEST_F(ObjectHit, ShapeRegionsFollowTheShape) {
 }
 
 TEST_F(ObjectHit, ShapeRegionEventReplacesTheShapes) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     HRGN given = CreateRectRgn(0, 0, 3, 3);
     std::vector<TRgnMode> modes;
     Tool->OnObjectShapeRgn = [&](TvlObject* Obj, TRgnMode Mode, HRGN& Rgn) {
@@ -156,7 +156,7 @@ TEST_F(ObjectHit, ShapeRegionEventReplacesTheShapes) {
 }
 
 TEST_F(ObjectHit, SelectedGoesThroughTheDataModule) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     o->SetSelected(true);
     EXPECT_TRUE(o->Selected());
     EXPECT_EQ(Store->MarkList(), (std::vector<TvlObject*>{o}));
@@ -167,13 +167,13 @@ TEST_F(ObjectHit, SelectedGoesThroughTheDataModule) {
 
 TEST_F(ObjectHit, SizingOnANoSizingObjectStaysOff) {
     Gen().SetOptions(TGeneratorOptions{goNoSizing});
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     o->SetSizing(true);
     EXPECT_FALSE(o->Sizing());
 }
 
 TEST_F(ObjectHit, SizingOffInvalidatesWithTheHandlesMarginFirst) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     o->SetSizing(true);
     EXPECT_TRUE(o->Sizing());
     SizingHandle = szX2Y2;
@@ -186,7 +186,7 @@ TEST_F(ObjectHit, SizingOffInvalidatesWithTheHandlesMarginFirst) {
 }
 
 TEST_F(ObjectHit, LeavingTheMarkListInvalidatesAMarkedObject) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     o->State.Include(isSelected);
     Store->InitRestoreRect();
     o->RemoveSelectFlag();

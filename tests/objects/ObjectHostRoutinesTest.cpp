@@ -8,11 +8,7 @@ class ObjectHostRoutines : public PaintFixture {
 protected:
     void SetUp() override {
         Undo = nullptr;
-        UndoManagerFactory = [this](TUndo, std::uint8_t) {
-            auto m = std::make_unique<TRecordingUndo>();
-            Undo = m.get();
-            return m;
-        };
+        UndoManagerFactory = RecordingUndoFactory(Undo);
         PaintFixture::SetUp();
     }
     void TearDown() override {
@@ -31,11 +27,11 @@ protected:
 
 TEST_F(ObjectHostRoutines, MoveObjectMovesWithItsSlavesAndRepaints) {
     WithUndo();
-    TPaintObj* master = AddObj(Point(50, 40), "master");
-    TPaintObj* slave = AddObj(Point(0, 0), "slave", 10, 10);
+    TTestObject* master = AddObj(Point(50, 40), "master");
+    TTestObject* slave = AddObj(Point(0, 0), "slave", 10, 10);
     slave->SetMaster(master);
     slave->SetPos(Point(80, 40));
-    TPaintObj* other = AddObj(Point(200, 150), "other", 10, 10);
+    TTestObject* other = AddObj(Point(200, 150), "other", 10, 10);
     PaintAll();
     MarkObject(other);
     ActScaleSet = nullptr;
@@ -51,9 +47,9 @@ TEST_F(ObjectHostRoutines, MoveObjectMovesWithItsSlavesAndRepaints) {
     EXPECT_FALSE(Box->ScaleSetting().State.Contains(scMovingObjects));
     // One move snapshot with both records before the move and the restore rect.
     ASSERT_EQ(Undo->Modes, (std::vector<TBackupMode>{bkMove}));
-    ASSERT_EQ(Undo->Closed.size(), 1u);
-    EXPECT_EQ(Undo->Closed[0].size(), 14 + 14 + 16);
-    EXPECT_EQ(Undo->Closed[0].mid(6, 8), QByteArray::fromHex("3200000028000000"));
+    ASSERT_EQ(Undo->Filed.size(), 1u);
+    EXPECT_EQ(Undo->Filed[0].size(), 14 + 14 + 16);
+    EXPECT_EQ(Undo->Filed[0].mid(6, 8), QByteArray::fromHex("3200000028000000"));
     Settle();
     EXPECT_EQ(ScreenPixel(60, 50), White);
     EXPECT_EQ(ScreenPixel(85, 45), White);
@@ -62,7 +58,7 @@ TEST_F(ObjectHostRoutines, MoveObjectMovesWithItsSlavesAndRepaints) {
 }
 
 TEST_F(ObjectHostRoutines, MoveObjectSnapsTheDistanceWhenTheGridCaptures) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     Box->Grid().SetCapture(true);
     Box->Grid().SetIncHorz(10);
     Box->Grid().SetIncVert(10);
@@ -74,7 +70,7 @@ TEST_F(ObjectHostRoutines, MoveObjectSnapsTheDistanceWhenTheGridCaptures) {
 }
 
 TEST_F(ObjectHostRoutines, MoveObjectToPlacesTheObject) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     MoveObjectTo(o, Point(120, 30));
     EXPECT_EQ(o->GetPos(), Point(120, 30));
     Settle();
@@ -82,7 +78,7 @@ TEST_F(ObjectHostRoutines, MoveObjectToPlacesTheObject) {
 }
 
 TEST_F(ObjectHostRoutines, MoveObjectDropsEveryException) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     o->ThrowOnMove = true;
     EXPECT_NO_THROW(MoveObject(o, Point(5, 5)));
     EXPECT_EQ(o->GetPos(), Point(50, 40));
@@ -98,7 +94,7 @@ TEST_F(ObjectHostRoutines, MoveObjectDropsEveryException) {
 }
 
 TEST_F(ObjectHostRoutines, MarkObjectMarksAndUnMarkObjectTakesTheMarkAway) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     PaintAll();
     ActScaleSet = nullptr;
     MarkObject(o);
@@ -116,7 +112,7 @@ TEST_F(ObjectHostRoutines, MarkObjectMarksAndUnMarkObjectTakesTheMarkAway) {
 }
 
 TEST_F(ObjectHostRoutines, HideAndShowObjectRepaintWithoutTouchingTheScaleInForce) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     PaintAll();
     HideObject(o);
     EXPECT_FALSE(o->State.Contains(isVisible));

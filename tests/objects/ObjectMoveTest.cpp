@@ -8,7 +8,7 @@ namespace {
 using ObjectMove = PaintFixture;
 
 TEST_F(ObjectMove, CantMoveObjectStaysAndEndMoveClearsTheFlag) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     o->State.Include(isCantMove);
     o->StartMove();
     o->MovePos(Point(10, 10));
@@ -20,7 +20,7 @@ TEST_F(ObjectMove, CantMoveObjectStaysAndEndMoveClearsTheFlag) {
 }
 
 TEST_F(ObjectMove, MoveIsBracketedInTheScaleStateAndTheLimits) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     Store->InitRestoreRect();
     o->StartMove();
     EXPECT_TRUE(Box->ScaleSetting().State.Contains(scMovingObjects));
@@ -35,7 +35,7 @@ TEST_F(ObjectMove, MoveIsBracketedInTheScaleStateAndTheLimits) {
 }
 
 TEST_F(ObjectMove, MoveOptionsHoldAnAxis) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     Gen().SetOptions(TGeneratorOptions{goNoHorzMove});
     o->MovePos(Point(5, 7));
     EXPECT_EQ(o->GetPos(), Point(50, 47));
@@ -45,8 +45,8 @@ TEST_F(ObjectMove, MoveOptionsHoldAnAxis) {
 }
 
 TEST_F(ObjectMove, SlaveMoveChangesItsOffset) {
-    TPaintObj* master = AddObj(Point(50, 40), "master");
-    TPaintObj* slave = AddObj(Point(0, 0), "slave", 5, 5);
+    TTestObject* master = AddObj(Point(50, 40), "master");
+    TTestObject* slave = AddObj(Point(0, 0), "slave", 5, 5);
     slave->SetMaster(master);
     slave->SetPos(Point(80, 40));
     slave->MovePos(Point(3, -2));
@@ -56,8 +56,8 @@ TEST_F(ObjectMove, SlaveMoveChangesItsOffset) {
 }
 
 TEST_F(ObjectMove, MovedObjectIsRepaintedAtItsNewPlaceWithItsSlave) {
-    TPaintObj* master = AddObj(Point(50, 40), "master");
-    TPaintObj* slave = AddObj(Point(0, 0), "slave", 10, 10);
+    TTestObject* master = AddObj(Point(50, 40), "master");
+    TTestObject* slave = AddObj(Point(0, 0), "slave", 10, 10);
     slave->SetMaster(master);
     slave->SetPos(Point(80, 40));
     PaintAll();

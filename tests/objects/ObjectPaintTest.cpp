@@ -12,7 +12,7 @@ using ObjectPaint = PaintFixture;
 
 TEST_F(ObjectPaint, ShowDrawsShadowShapeAndMarkInThatOrderInLocalCoordinates) {
     Gen().SetOptions(TGeneratorOptions{goShadows});
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     o->State.Include(isMarked);
     PaintAll();
     ASSERT_EQ(Shapes.size(), 3u);
@@ -41,7 +41,7 @@ TEST_F(ObjectPaint, ShowDrawsShadowShapeAndMarkInThatOrderInLocalCoordinates) {
 }
 
 TEST_F(ObjectPaint, ShowOfAnUnmarkedObjectDrawsNoMarkAndMakesItVisible) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     o->Show();
     EXPECT_TRUE(o->State.Contains(isVisible));
     ASSERT_EQ(Shapes.size(), 1u);
@@ -80,7 +80,7 @@ TEST_F(ObjectPaint, PictureOnAnObjectRaisesAfterTheShade) {
     Gen().SetOptions(TGeneratorOptions{goShadows});
     TBitmap bmp(4, 4);
     Gen().Picture().SetGraphic(&bmp);
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     try {
         o->Draw();
         FAIL() << "no exception";
@@ -111,7 +111,7 @@ TEST_F(ObjectPaint, DrawEventReplacesTheShapeAfterTheColours) {
 }
 
 TEST_F(ObjectPaint, MarkDrawnLiveReachesTheScreenThroughTheBlitPath) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     PaintAll();
     const int paints = Paints;
     EXPECT_EQ(ScreenPixel(50, 50), Black);
@@ -129,7 +129,7 @@ TEST_F(ObjectPaint, MarkDrawnLiveReachesTheScreenThroughTheBlitPath) {
 }
 
 TEST_F(ObjectPaint, LaterPaintCoversALiveMarkInZOrder) {
-    TPaintObj* lower = AddObj(Point(50, 40), "lower");
+    TTestObject* lower = AddObj(Point(50, 40), "lower");
     AddObj(Point(60, 45), "upper");
     PaintAll();
     Store->Select(lower);
@@ -146,7 +146,7 @@ TEST_F(ObjectPaint, LaterPaintCoversALiveMarkInZOrder) {
 }
 
 TEST_F(ObjectPaint, UnselectingRepaintsTheMarkAway) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     PaintAll();
     MarkObject(o);
     Settle();
@@ -159,7 +159,7 @@ TEST_F(ObjectPaint, UnselectingRepaintsTheMarkAway) {
 }
 
 TEST_F(ObjectPaint, MarkOfAnUnselectedObjectSelectsAndMarksTheList) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     PaintAll();
     int marks = 0;
     Store->OnMarkObject = [&](TvlObject* Obj) {
@@ -178,7 +178,7 @@ TEST_F(ObjectPaint, MarkOfAnUnselectedObjectSelectsAndMarksTheList) {
 TEST_F(ObjectPaint, MarkUsesTheBoxsMarkColourAndThePenWidth) {
     Box->SetclMarkPen(clGreen);
     Gen().Pen().SetWidth(3);
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     PaintAll();
     Store->Select(o);
     o->Mark();
@@ -188,7 +188,7 @@ TEST_F(ObjectPaint, MarkUsesTheBoxsMarkColourAndThePenWidth) {
 }
 
 TEST_F(ObjectPaint, HideRepaintsWithoutTheObjectAtOnceAndUnselects) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     PaintAll();
     MarkObject(o);
     ASSERT_TRUE(o->Selected());
@@ -206,7 +206,7 @@ TEST_F(ObjectPaint, HideRepaintsWithoutTheObjectAtOnceAndUnselects) {
 }
 
 TEST_F(ObjectPaint, UpdateRepaintsTheObjectAtOnce) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     PaintAll();
     Gen().Brush().SetColor(clGreen);
     const int paints = Paints;
@@ -219,8 +219,8 @@ TEST_F(ObjectPaint, UpdateRepaintsTheObjectAtOnce) {
 
 TEST_F(ObjectPaint, InvalidateGrowsTheRestoreRectByTheMaximumLimits) {
     Gen().SetOptions(TGeneratorOptions{goShadows});
-    TPaintObj* a = AddObj(Point(50, 40));
-    TPaintObj* b = AddObj(Point(100, 20), "b", 5, 5);
+    TTestObject* a = AddObj(Point(50, 40));
+    TTestObject* b = AddObj(Point(100, 20), "b", 5, 5);
     Store->InitRestoreRect();
     a->Invalidate();
     const TLimRec la = a->GetMaxLimits();
@@ -237,7 +237,7 @@ TEST_F(ObjectPaint, InvalidateGrowsTheRestoreRectByTheMaximumLimits) {
 }
 
 TEST_F(ObjectPaint, InvalidateAdjustsToAChangedScaleFirst) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     Box->ScaleSetting().State.Include(scChanged);
     o->Invalidate();
     EXPECT_EQ(o->Adjusted, 1);
@@ -247,7 +247,7 @@ TEST_F(ObjectPaint, InvalidateAdjustsToAChangedScaleFirst) {
 }
 
 TEST_F(ObjectPaint, InvalidatedObjectIsRepaintedAtTheFlushOnly) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     PaintAll();
     Gen().Brush().SetColor(clGreen);
     o->Invalidate();
@@ -259,7 +259,7 @@ TEST_F(ObjectPaint, InvalidatedObjectIsRepaintedAtTheFlushOnly) {
 }
 
 TEST_F(ObjectPaint, ShadowDrawnTwiceWithAnInvertingPenIsErased) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     PaintAll();
     Canvas().Pen().SetMode(pmNot);
     Canvas().Brush().SetStyle(bsClear);
@@ -297,7 +297,7 @@ struct TOwnDevice {
 };
 
 TEST_F(ObjectPaint, PrintDrawsOnTheCanvasOfTheScaleSettingInForce) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     o->State.Include(isMarked);
     PaintAll();
     TOwnDevice device;
@@ -316,7 +316,7 @@ TEST_F(ObjectPaint, PrintDrawsOnTheCanvasOfTheScaleSettingInForce) {
 }
 
 TEST_F(ObjectPaint, PrintLeavesAnInvisibleObjectOut) {
-    TPaintObj* o = AddObj(Point(50, 40));
+    TTestObject* o = AddObj(Point(50, 40));
     o->SetVisible(false);
     TOwnDevice device;
     ActScaleSet = &device.Scale;

@@ -21,29 +21,29 @@ QByteArray SavedBytes(TvlObject& Obj, TPstMode Mode = TPstMode::pstSave) {
 }
 
 TEST_F(PersistTest, FreeObjectRecordIsFourteenBytesWithStateMasked) {
-    TObjTestObj obj(ToolA); // class number -5
+    TTestObject obj(ToolA); // class number -5
     obj.SetID(7);
     obj.State = TIndividualState::FromBits(0xFFCF); // every flag but the two slave flags
     obj.SetPos(Point(0x12345678, -2));
-    EXPECT_EQ(SavedBytes(obj), Hex("FBFF 0700 C9F3 78563412 FEFFFFFF"));
-    EXPECT_EQ(SavedBytes(obj, TPstMode::pstCopy), Hex("FBFF 0700 C9F3 78563412 FEFFFFFF"));
+    EXPECT_EQ(SavedBytes(obj), HexBytes("FBFF 0700 C9F3 78563412 FEFFFFFF"));
+    EXPECT_EQ(SavedBytes(obj, TPstMode::pstCopy), HexBytes("FBFF 0700 C9F3 78563412 FEFFFFFF"));
 }
 
 TEST_F(PersistTest, SlaveRecordNamesItsMasterAndKeepsTheOffset) {
-    TObjTestObj master(ToolB); // class number -6
+    TTestObject master(ToolB); // class number -6
     master.SetID(9);
     master.SetPos(Point(100, 100));
-    TObjTestObj slave(ToolA);
+    TTestObject slave(ToolA);
     slave.SetID(3);
     slave.SetMaster(&master);
     slave.SetPos(Point(98, 103));
     slave.State.Include(isVisible);
     slave.State.Include(isSelected);
-    EXPECT_EQ(SavedBytes(slave), Hex("FBFF 0300 1100 FAFF 0900 FEFF 0300"));
+    EXPECT_EQ(SavedBytes(slave), HexBytes("FBFF 0300 1100 FAFF 0900 FEFF 0300"));
 }
 
 TEST_F(PersistTest, SavedObjectComesBackWithoutTransientFlags) {
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     obj.SetID(12);
     obj.SetPos(Point(-40, 50));
     obj.State = isVisible | isMarked;
@@ -56,7 +56,7 @@ TEST_F(PersistTest, SavedObjectComesBackWithoutTransientFlags) {
     obj.SaveToStream(s);
     s.SetPosition(0);
     EXPECT_EQ(s.ReadInt16(), -5);
-    TObjTestObj back(ToolA);
+    TTestObject back(ToolA);
     back.LoadFromStream(s);
     EXPECT_EQ(s.Position(), 14);
     EXPECT_EQ(back.ID(), 12);
@@ -72,19 +72,19 @@ TEST_F(PersistTest, SavedObjectComesBackWithoutTransientFlags) {
 }
 
 TEST_F(PersistTest, UserMarkIsKeptWhenClearToo) {
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     obj.State = TIndividualState(isVisible);
     TMemoryStream s;
     obj.SaveToStream(s);
     s.SetPosition(2);
-    TObjTestObj back(ToolA);
+    TTestObject back(ToolA);
     back.LoadFromStream(s);
     EXPECT_FALSE(back.State.Contains(isUserMark));
 }
 
 TEST_F(PersistTest, LoadedSlaveWaitsForConnect) {
-    auto s = StreamOf("0300 1100 FAFF 0900 FEFF 0300");
-    TObjTestObj slave(ToolA);
+    auto s = HexStream("0300 1100 FAFF 0900 FEFF 0300");
+    TTestObject slave(ToolA);
     slave.LoadFromStream(*s);
     EXPECT_TRUE(slave.State.Contains(isSlave));
     EXPECT_TRUE(slave.State.Contains(isConnect));
@@ -97,8 +97,8 @@ TEST_F(PersistTest, LoadedSlaveWaitsForConnect) {
 
 TEST_F(PersistTest, RecordOlderThan2090HasAFourByteNumber) {
     FileHeader.Vellorum = static_cast<std::int16_t>(-0x2080);
-    auto s = StreamOf("0700 AABB 0100 0A000000 14000000 EEEE");
-    TObjTestObj obj(ToolA);
+    auto s = HexStream("0700 AABB 0100 0A000000 14000000 EEEE");
+    TTestObject obj(ToolA);
     obj.LoadFromStream(*s);
     EXPECT_EQ(s->Position(), 14); // two bytes more than the current form
     EXPECT_EQ(obj.ID(), 7);
@@ -109,8 +109,8 @@ TEST_F(PersistTest, RecordOlderThan2090HasAFourByteNumber) {
 
 TEST_F(PersistTest, RecordOf2090HasATwoByteNumber) {
     FileHeader.Vellorum = static_cast<std::int16_t>(-0x2090);
-    auto s = StreamOf("0700 0100 0A000000 14000000");
-    TObjTestObj obj(ToolA);
+    auto s = HexStream("0700 0100 0A000000 14000000");
+    TTestObject obj(ToolA);
     obj.LoadFromStream(*s);
     EXPECT_EQ(s->Position(), 12);
     EXPECT_EQ(obj.ID(), 7);
@@ -118,8 +118,8 @@ TEST_F(PersistTest, RecordOf2090HasATwoByteNumber) {
 
 TEST_F(PersistTest, RecordOlderThan2000SkipsFourBytesBehindThePosition) {
     FileHeader.Vellorum = static_cast<std::int16_t>(-0x1200);
-    auto s = StreamOf("0700 0000 0100 0A000000 14000000 11223344 EEEE");
-    TObjTestObj obj(ToolA);
+    auto s = HexStream("0700 0000 0100 0A000000 14000000 11223344 EEEE");
+    TTestObject obj(ToolA);
     obj.LoadFromStream(*s);
     EXPECT_EQ(s->Position(), 18);
     EXPECT_EQ(obj.ID(), 7);
@@ -145,15 +145,15 @@ TEST_F(PersistTest, FileHeaderBytes) {
     ThisAppID = appID;
     TMemoryStream s;
     WriteFileHeader(s, FileHeader);
-    EXPECT_EQ(s.Bytes(), Hex("BEB90000 00000000 00000001 0000001A"));
+    EXPECT_EQ(s.Bytes(), HexBytes("BEB90000 00000000 00000001 0000001A"));
     s.SetPosition(0);
     EXPECT_EQ(ReadFileHeader(s), FileHeader);
-    TMemoryStream shortStream(Hex("BEB9"));
+    TMemoryStream shortStream(HexBytes("BEB9"));
     EXPECT_THROW(ReadFileHeader(shortStream), EReadError);
 }
 
 // Reads records as the layer loop does: class number, the tool's object, its `Persist`.
-void LoadBody(TObjTestDataMod& Store, TStream& S, std::initializer_list<TvlCreator*> Tools) {
+void LoadBody(TStandInStore& Store, TStream& S, std::initializer_list<TvlCreator*> Tools) {
     while (S.Remaining() > 0) {
         const std::int16_t classNr = S.ReadInt16();
         TvlCreator* tool = nullptr;
@@ -162,14 +162,14 @@ void LoadBody(TObjTestDataMod& Store, TStream& S, std::initializer_list<TvlCreat
         ASSERT_NE(tool, nullptr);
         std::unique_ptr<TvlObject> obj(tool->CreateObject());
         obj->LoadFromStream(S);
-        Store.Take(std::move(obj));
+        Store.Hold(std::move(obj));
     }
 }
 
 TEST_F(PersistTest, SlaveSavedBeforeItsMasterConnects) {
-    auto* master = Store->Add(ToolB, 9);
+    auto* master = AddNumbered(*Store, ToolB, 9);
     master->SetPos(Point(500, 600));
-    auto* slave = Store->Add(ToolA, 3);
+    auto* slave = AddNumbered(*Store, ToolA, 3);
     slave->SetMaster(master);
     slave->SetPos(Point(510, 590));
 
@@ -194,7 +194,7 @@ TEST_F(PersistTest, SlaveSavedBeforeItsMasterConnects) {
 }
 
 TEST_F(PersistTest, ConnectLeavesAFreeObjectAlone) {
-    auto* obj = Store->Add(ToolA, 1);
+    auto* obj = AddNumbered(*Store, ToolA, 1);
     obj->SetPos(Point(3, 4));
     obj->Connect(Store);
     EXPECT_EQ(Store->Finds, 0);
@@ -202,7 +202,7 @@ TEST_F(PersistTest, ConnectLeavesAFreeObjectAlone) {
 }
 
 // Pastes records of `S` as the draw box does: each object is numbered anew before its `Persist`.
-std::vector<TvlObject*> PasteBody(TObjTestDataMod& Store, TStream& S,
+std::vector<TvlObject*> PasteBody(TStandInStore& Store, TStream& S,
                                   std::initializer_list<TvlCreator*> Tools) {
     std::vector<TvlObject*> made;
     while (S.Remaining() > 0) {
@@ -214,14 +214,14 @@ std::vector<TvlObject*> PasteBody(TObjTestDataMod& Store, TStream& S,
         std::unique_ptr<TvlObject> obj(tool->CreateObject());
         obj->Count();
         obj->Persist(&S, TPstMode::pstPaste);
-        made.push_back(Store.Take(std::move(obj)));
+        made.push_back(Store.Hold(std::move(obj)));
     }
     return made;
 }
 
 TEST_F(PersistTest, PastedSlaveWithoutItsMasterIsDeleted) {
-    auto* master = Store->Add(ToolB, 9);
-    auto* slave = Store->Add(ToolA, 3);
+    auto* master = AddNumbered(*Store, ToolB, 9);
+    auto* slave = AddNumbered(*Store, ToolA, 3);
     slave->SetMaster(master);
     TMemoryStream clip;
     slave->Persist(&clip, TPstMode::pstCopy);
@@ -236,10 +236,10 @@ TEST_F(PersistTest, PastedSlaveWithoutItsMasterIsDeleted) {
 }
 
 TEST_F(PersistTest, PastedSlaveFindsItsPastedMasterUnderItsNewNumber) {
-    Store->Counters[0] = 20;
-    auto* master = Store->Add(ToolB, 9);
+    Store->CounterValues[0] = 20;
+    auto* master = AddNumbered(*Store, ToolB, 9);
     master->SetPos(Point(100, 100));
-    auto* slave = Store->Add(ToolA, 3);
+    auto* slave = AddNumbered(*Store, ToolA, 3);
     slave->SetMaster(master);
     slave->SetPos(Point(104, 95));
     TMemoryStream clip;
@@ -269,8 +269,8 @@ TEST_F(PersistTest, PastedSlaveFindsItsPastedMasterUnderItsNewNumber) {
 }
 
 TEST_F(PersistTest, ConnectCopyWithoutListDeletesTheSlave) {
-    auto s = StreamOf("0300 1100 FAFF 0900 0000 0000");
-    TObjTestObj slave(ToolA);
+    auto s = HexStream("0300 1100 FAFF 0900 0000 0000");
+    TTestObject slave(ToolA);
     slave.Persist(s.get(), TPstMode::pstPaste);
     slave.Persist(nullptr, TPstMode::pstConnectCopy);
     EXPECT_TRUE(slave.State.Contains(isDeleted));
@@ -282,14 +282,14 @@ TEST_F(PersistTest, RegisterPCharOfNilWritesFourBytes) {
     std::unique_ptr<char16_t[]> text;
     TMemoryStream s;
     TvlObject::RegisterPChar(&s, text, TPstMode::pstSave);
-    EXPECT_EQ(s.Bytes(), Hex("00000000"));
+    EXPECT_EQ(s.Bytes(), HexBytes("00000000"));
 }
 
 TEST_F(PersistTest, RegisterPCharOfEmptyStringWritesSixBytes) {
     auto text = std::make_unique<char16_t[]>(1);
     TMemoryStream s;
     TvlObject::RegisterPChar(&s, text, TPstMode::pstCopy);
-    EXPECT_EQ(s.Bytes(), Hex("00000000 0000"));
+    EXPECT_EQ(s.Bytes(), HexBytes("00000000 0000"));
 }
 
 TEST_F(PersistTest, RegisterPCharWritesTextWithTerminator) {
@@ -299,7 +299,7 @@ TEST_F(PersistTest, RegisterPCharWritesTextWithTerminator) {
     text[2] = u'c';
     TMemoryStream s;
     TvlObject::RegisterPChar(&s, text, TPstMode::pstSave);
-    EXPECT_EQ(s.Bytes(), Hex("03000000 6100 E900 6300 0000"));
+    EXPECT_EQ(s.Bytes(), HexBytes("03000000 6100 E900 6300 0000"));
     s.SetPosition(0);
     std::unique_ptr<char16_t[]> back;
     TvlObject::RegisterPChar(&s, back, TPstMode::pstLoad);
@@ -312,7 +312,7 @@ TEST_F(PersistTest, RegisterPCharReadOfZeroLengthKeepsTheBufferAndReadsOnlyTheLe
     auto text = std::make_unique<char16_t[]>(2);
     text[0] = u'x';
     char16_t* before = text.get();
-    auto s = StreamOf("00000000 0000");
+    auto s = HexStream("00000000 0000");
     TvlObject::RegisterPChar(s.get(), text, TPstMode::pstPaste);
     EXPECT_EQ(text.get(), before);
     EXPECT_EQ(s->Position(), 4);
@@ -320,7 +320,7 @@ TEST_F(PersistTest, RegisterPCharReadOfZeroLengthKeepsTheBufferAndReadsOnlyTheLe
 
 TEST_F(PersistTest, RegisterPCharReadsSingleByteTextOfOldToolChains) {
     FileHeader.Delphi = 0x08000000;
-    auto s = StreamOf("03000000 61E963 00 FF");
+    auto s = HexStream("03000000 61E963 00 FF");
     std::unique_ptr<char16_t[]> back;
     TvlObject::RegisterPChar(s.get(), back, TPstMode::pstLoad);
     ASSERT_TRUE(back);
@@ -329,7 +329,7 @@ TEST_F(PersistTest, RegisterPCharReadsSingleByteTextOfOldToolChains) {
 }
 
 TEST_F(PersistTest, RegisterPCharRefusesALengthBeyondTheStream) {
-    auto s = StreamOf("FFFFFF7F 6100");
+    auto s = HexStream("FFFFFF7F 6100");
     std::unique_ptr<char16_t[]> back;
     EXPECT_THROW(TvlObject::RegisterPChar(s.get(), back, TPstMode::pstLoad), EReadError);
     EXPECT_FALSE(back);
@@ -339,10 +339,10 @@ TEST_F(PersistTest, RegisterStringReadsByModeAndVersion) {
     QString text = QStringLiteral("ab");
     TMemoryStream s;
     TvlObject::RegisterString(&s, text, TPstMode::pstSave);
-    EXPECT_EQ(s.Bytes(), Hex("02000000 6100 6200"));
+    EXPECT_EQ(s.Bytes(), HexBytes("02000000 6100 6200"));
 
     FileHeader.Delphi = 0x08000000;
-    auto ansi = StreamOf("02000000 6162");
+    auto ansi = HexStream("02000000 6162");
     QString loaded;
     TvlObject::RegisterString(ansi.get(), loaded, TPstMode::pstLoad);
     EXPECT_EQ(loaded, QStringLiteral("ab"));
@@ -364,7 +364,7 @@ TEST_F(PersistTest, RegisterDataWritesAndReadsBytesByMode) {
     TMemoryStream s;
     TvlObject::RegisterData(&s, out, 3, TPstMode::pstSave);
     TvlObject::RegisterData(&s, out, 3, TPstMode::pstConnectCopy);
-    EXPECT_EQ(s.Bytes(), Hex("010203"));
+    EXPECT_EQ(s.Bytes(), HexBytes("010203"));
     s.SetPosition(0);
     std::uint8_t in[3] = {};
     TvlObject::RegisterData(&s, in, 3, TPstMode::pstLoad);
@@ -372,7 +372,7 @@ TEST_F(PersistTest, RegisterDataWritesAndReadsBytesByMode) {
     std::int32_t v = -2;
     TMemoryStream t;
     TvlObject::RegisterValue(&t, v, TPstMode::pstCopy);
-    EXPECT_EQ(t.Bytes(), Hex("FEFFFFFF"));
+    EXPECT_EQ(t.Bytes(), HexBytes("FEFFFFFF"));
     t.SetPosition(0);
     std::int32_t w = 0;
     TvlObject::RegisterValue(&t, w, TPstMode::pstPaste);
@@ -380,11 +380,11 @@ TEST_F(PersistTest, RegisterDataWritesAndReadsBytesByMode) {
 }
 
 TEST_F(PersistTest, RegisterLinkOfNilWritesFourZeroBytes) {
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     TContype link;
     TMemoryStream s;
     obj.RegisterLink(&s, link, TPstMode::pstSave);
-    EXPECT_EQ(s.Bytes(), Hex("00000000"));
+    EXPECT_EQ(s.Bytes(), HexBytes("00000000"));
     s.SetPosition(0);
     obj.RegisterLink(&s, link, TPstMode::pstLoad);
     EXPECT_TRUE(link.IsZero());
@@ -393,13 +393,13 @@ TEST_F(PersistTest, RegisterLinkOfNilWritesFourZeroBytes) {
 }
 
 TEST_F(PersistTest, RegisterLinkNamesTheObjectAndConnectsToIt) {
-    auto* target = Store->Add(ToolB, 0x0102);
-    TObjTestObj obj(ToolA);
+    auto* target = AddNumbered(*Store, ToolB, 0x0102);
+    TTestObject obj(ToolA);
     TContype link;
     link.ConObj = target;
     TMemoryStream s;
     obj.RegisterLink(&s, link, TPstMode::pstCopy);
-    EXPECT_EQ(s.Bytes(), Hex("FAFF 0201"));
+    EXPECT_EQ(s.Bytes(), HexBytes("FAFF 0201"));
     s.SetPosition(0);
     TContype back;
     obj.RegisterLink(&s, back, TPstMode::pstLoad);
@@ -413,21 +413,21 @@ TEST_F(PersistTest, RegisterLinkNamesTheObjectAndConnectsToIt) {
 
 TEST_F(PersistTest, RegisterLinkConnectCopyOfZeroLinkDeletes) {
     PasteIDList = std::make_unique<TRecordList>(PasteIDRecSize);
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     TContype link;
     obj.RegisterLink(nullptr, link, TPstMode::pstConnectCopy);
     EXPECT_TRUE(obj.State.Contains(isDeleted));
 }
 
 TEST_F(PersistTest, RegisterObjectDropsTheClassNumberOnReading) {
-    TObjTestObj inner(ToolB);
+    TTestObject inner(ToolB);
     inner.SetID(4);
     inner.SetPos(Point(1, 2));
     TMemoryStream s;
     TvlObject::RegisterObject(&s, &inner, TPstMode::pstSave);
-    EXPECT_EQ(s.Bytes(), Hex("FAFF 0400 0000 01000000 02000000"));
+    EXPECT_EQ(s.Bytes(), HexBytes("FAFF 0400 0000 01000000 02000000"));
     s.SetPosition(0);
-    TObjTestObj back(ToolB);
+    TTestObject back(ToolB);
     TvlObject::RegisterObject(&s, &back, TPstMode::pstLoad);
     EXPECT_EQ(back.ID(), 4);
     EXPECT_EQ(back.Pos_Log(), Point(1, 2));
@@ -444,7 +444,7 @@ TEST_F(PersistTest, FontRecordIsSixteenBytesThenTheName) {
     font.SetName(QStringLiteral("Arial"));
     TMemoryStream s;
     TvlObject::RegisterFont(&s, font, TPstMode::pstSave);
-    EXPECT_EQ(s.Bytes(), Hex("33221100 F3FFFFFF 01 03 00 0000000000 05000000 4100720069006100 6C00"));
+    EXPECT_EQ(s.Bytes(), HexBytes("33221100 F3FFFFFF 01 03 00 0000000000 05000000 4100720069006100 6C00"));
 
     s.SetPosition(0);
     TFont back;
@@ -459,7 +459,7 @@ TEST_F(PersistTest, FontRecordIsSixteenBytesThenTheName) {
 
 TEST_F(PersistTest, FontNameOfAnOldToolChainIsSingleByteAlsoWhenPasting) {
     FileHeader.Delphi = 0x08000000;
-    auto s = StreamOf("FF000000 F6FFFFFF 02 04 01 FFFFFFFFFF 04000000 54696D65");
+    auto s = HexStream("FF000000 F6FFFFFF 02 04 01 FFFFFFFFFF 04000000 54696D65");
     TFont back;
     TvlObject::RegisterFont(s.get(), back, TPstMode::pstPaste);
     EXPECT_EQ(back.Name(), QStringLiteral("Time"));
@@ -478,7 +478,7 @@ TEST_F(PersistTest, PenRecordIsTwelveBytes) {
     pen.SetWidth(3);
     TMemoryStream s;
     TvlObject::RegisterPen(&s, pen, TPstMode::pstSave);
-    EXPECT_EQ(s.Bytes(), Hex("FF000000 0E 01 0000 03000000"));
+    EXPECT_EQ(s.Bytes(), HexBytes("FF000000 0E 01 0000 03000000"));
     s.SetPosition(0);
     TPen back;
     TvlObject::RegisterPen(&s, back, TPstMode::pstLoad);
@@ -494,7 +494,7 @@ TEST_F(PersistTest, BrushRecordIsEightBytes) {
     brush.SetStyle(bsCross);
     TMemoryStream s;
     TvlObject::RegisterBrush(&s, brush, TPstMode::pstCopy);
-    EXPECT_EQ(s.Bytes(), Hex("00FF0000 06 000000"));
+    EXPECT_EQ(s.Bytes(), HexBytes("00FF0000 06 000000"));
     s.SetPosition(0);
     TBrush back;
     TvlObject::RegisterBrush(&s, back, TPstMode::pstPaste);
@@ -503,13 +503,13 @@ TEST_F(PersistTest, BrushRecordIsEightBytes) {
 }
 
 TEST_F(PersistTest, HelpersIgnoreFillerBytesAndRefuseBadValues) {
-    auto good = StreamOf("00FF0000 06 ABCDEF");
+    auto good = HexStream("00FF0000 06 ABCDEF");
     TBrush brush;
     TvlObject::RegisterBrush(good.get(), brush, TPstMode::pstLoad);
     EXPECT_EQ(brush.Style(), bsCross);
-    auto bad = StreamOf("00FF0000 63 000000");
+    auto bad = HexStream("00FF0000 63 000000");
     EXPECT_THROW(TvlObject::RegisterBrush(bad.get(), brush, TPstMode::pstLoad), EReadError);
-    auto cut = StreamOf("FF000000 0E01");
+    auto cut = HexStream("FF000000 0E01");
     TPen pen;
     EXPECT_THROW(TvlObject::RegisterPen(cut.get(), pen, TPstMode::pstLoad), EReadError);
 }
@@ -522,7 +522,7 @@ TEST_F(PersistTest, BitmapPictureIsCodeOneInItsOwnFormat) {
     TvlObject::RegisterPicture(&s, pic, TPstMode::pstSave);
     const QByteArray bytes = s.Bytes();
     ASSERT_GT(bytes.size(), 4);
-    EXPECT_EQ(bytes.left(4), Hex("0100 424D")); // code 1, then "BM"
+    EXPECT_EQ(bytes.left(4), HexBytes("0100 424D")); // code 1, then "BM"
     s.WriteUInt16(0xABCD);
     s.SetPosition(0);
     TPicture back;
@@ -543,7 +543,7 @@ TEST_F(PersistTest, IconPictureIsCodeTwo) {
     pic.SetGraphic(&icon);
     TMemoryStream s;
     TvlObject::RegisterPicture(&s, pic, TPstMode::pstCopy);
-    EXPECT_EQ(s.Bytes().left(2), Hex("0200"));
+    EXPECT_EQ(s.Bytes().left(2), HexBytes("0200"));
     s.WriteUInt16(0xABCD);
     s.SetPosition(0);
     TPicture back;
@@ -563,7 +563,7 @@ TEST_F(PersistTest, JpegPictureIsSavedUnderCodeOneAndReadAsABitmap) {
     TMemoryStream s;
     TvlObject::RegisterPicture(&s, pic, TPstMode::pstSave);
     const QByteArray bytes = s.Bytes();
-    EXPECT_EQ(bytes.left(4), Hex("0100 FFD8")); // code 1, then the JPEG's own start marker
+    EXPECT_EQ(bytes.left(4), HexBytes("0100 FFD8")); // code 1, then the JPEG's own start marker
     EXPECT_EQ(bytes.mid(2), jpeg.Data());
     s.WriteUInt16(0xABCD);
     s.SetPosition(0);
@@ -603,18 +603,18 @@ public:
 
 TEST_F(PersistTest, MetafilePictureIsFramedByItsByteCount) {
     TMetafile meta;
-    meta.Data = Hex("0102030405");
+    meta.Data = HexBytes("0102030405");
     TPicture pic;
     pic.SetGraphic(&meta);
     TMemoryStream s;
     s.WriteUInt8(0x77); // the frame's count is patched where it stands, not at the start
     TvlObject::RegisterPicture(&s, pic, TPstMode::pstSave);
-    EXPECT_EQ(s.Bytes(), Hex("77 0300 05000000 0102030405"));
+    EXPECT_EQ(s.Bytes(), HexBytes("77 0300 05000000 0102030405"));
     EXPECT_EQ(s.Position(), s.Size());
 }
 
 TEST_F(PersistTest, MetafileFrameIsSkippedWithoutAReader) {
-    auto s = StreamOf("0300 05000000 0102030405 ABCD");
+    auto s = HexStream("0300 05000000 0102030405 ABCD");
     TPicture pic;
     TvlObject::RegisterPicture(s.get(), pic, TPstMode::pstLoad);
     EXPECT_EQ(pic.Graphic(), nullptr);
@@ -629,23 +629,23 @@ TEST_F(PersistTest, MetafileReaderSeesOnlyTheFrame) {
         seen = m->Data;
         return std::unique_ptr<TGraphic>(std::move(m));
     };
-    auto s = StreamOf("0300 03000000 AABBCC 1122");
+    auto s = HexStream("0300 03000000 AABBCC 1122");
     TPicture pic;
     TvlObject::RegisterPicture(s.get(), pic, TPstMode::pstPaste);
     MetafileReader = nullptr;
-    EXPECT_EQ(seen, Hex("AABBCC"));
+    EXPECT_EQ(seen, HexBytes("AABBCC"));
     ASSERT_NE(dynamic_cast<TMetafile*>(pic.Graphic()), nullptr);
     EXPECT_EQ(s->ReadUInt16(), 0x2211);
 }
 
 TEST_F(PersistTest, MetafileFrameLongerThanTheStreamIsAReadError) {
-    auto s = StreamOf("0300 10000000 AABB");
+    auto s = HexStream("0300 10000000 AABB");
     TPicture pic;
     EXPECT_THROW(TvlObject::RegisterPicture(s.get(), pic, TPstMode::pstLoad), EReadError);
 }
 
 TEST_F(PersistTest, UnknownPictureCodeIsAReadError) {
-    auto s = StreamOf("0900 00000000");
+    auto s = HexStream("0900 00000000");
     TPicture pic;
     EXPECT_THROW(TvlObject::RegisterPicture(s.get(), pic, TPstMode::pstLoad), EReadError);
 }

@@ -42,13 +42,13 @@ TEST(ContypeRecord, RawFormIsClassNumberThenNumber) {
 }
 
 TEST_F(PositionTest, FreeObjectIsItsOwnMaster) {
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     EXPECT_EQ(obj.Master(), &obj);
     EXPECT_EQ(obj.GetMaster(), &obj);
 }
 
 TEST_F(PositionTest, FreeObjectReadsAndWritesItsPosition) {
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     obj.SetX(-70000);
     obj.SetY(123456);
     EXPECT_EQ(obj.X_Log(), -70000);
@@ -60,9 +60,9 @@ TEST_F(PositionTest, FreeObjectReadsAndWritesItsPosition) {
 }
 
 TEST_F(PositionTest, SlaveFollowsItsMaster) {
-    TObjTestObj master(ToolA);
+    TTestObject master(ToolA);
     master.SetPos(Point(1000, 2000));
-    TObjTestObj slave(ToolB);
+    TTestObject slave(ToolB);
     slave.SetMaster(&master);
     slave.SetX(1010);
     slave.SetY(1990);
@@ -74,12 +74,12 @@ TEST_F(PositionTest, SlaveFollowsItsMaster) {
 }
 
 TEST_F(PositionTest, SlaveFollowsMasterThroughChain) {
-    TObjTestObj root(ToolA);
+    TTestObject root(ToolA);
     root.SetPos(Point(100, 100));
-    std::vector<std::unique_ptr<TObjTestObj>> chain;
+    std::vector<std::unique_ptr<TTestObject>> chain;
     TvlObject* master = &root;
     for (int i = 0; i < 5; ++i) {
-        auto s = std::make_unique<TObjTestObj>(ToolB);
+        auto s = std::make_unique<TTestObject>(ToolB);
         s->SetMaster(master);
         s->SetPos(Point(master->X_Log() + 1, master->Y_Log() - 2));
         master = s.get();
@@ -92,9 +92,9 @@ TEST_F(PositionTest, SlaveFollowsMasterThroughChain) {
 }
 
 TEST_F(PositionTest, SlaveOffsetBeyondSixteenBitsWraps) {
-    TObjTestObj master(ToolA);
+    TTestObject master(ToolA);
     master.SetPos(Point(0, 0));
-    TObjTestObj slave(ToolB);
+    TTestObject slave(ToolB);
     slave.SetMaster(&master);
     slave.SetX(40000);
     EXPECT_NE(slave.X_Log(), 40000);
@@ -104,9 +104,9 @@ TEST_F(PositionTest, SlaveOffsetBeyondSixteenBitsWraps) {
 }
 
 TEST_F(PositionTest, SlavedFirstEndRefusesEveryWriter) {
-    TObjTestObj master(ToolA);
+    TTestObject master(ToolA);
     master.SetPos(Point(50, 60));
-    TObjTestObj line(ToolB);
+    TTestObject line(ToolB);
     line.SetP1Master(&master);
     line.RawPos().SetRelX(7);
     line.RawPos().SetRelY(8);
@@ -123,7 +123,7 @@ TEST_F(PositionTest, SlavedFirstEndRefusesEveryWriter) {
 }
 
 TEST_F(PositionTest, WorldPositionGoesThroughTheScale) {
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     obj.SetPos(Point(250, -40));
     EXPECT_DOUBLE_EQ(obj.X_World(), ActScaleSet->LogToWorld(250));
     EXPECT_DOUBLE_EQ(obj.Y_World(), ActScaleSet->LogToWorld(-40));
@@ -135,9 +135,9 @@ TEST_F(PositionTest, WorldPositionGoesThroughTheScale) {
 }
 
 TEST_F(PositionTest, SlaveWorldWriterStoresTheOffset) {
-    TObjTestObj master(ToolA);
+    TTestObject master(ToolA);
     master.SetPos(Point(300, 400));
-    TObjTestObj slave(ToolB);
+    TTestObject slave(ToolB);
     slave.SetMaster(&master);
     const double w = ActScaleSet->LogToWorld(1000);
     slave.SetX_World(w);
@@ -147,27 +147,27 @@ TEST_F(PositionTest, SlaveWorldWriterStoresTheOffset) {
 }
 
 TEST_F(PositionTest, AssignPosCopiesOnlyTheOffsetOfASlave) {
-    TObjTestObj m1(ToolA);
+    TTestObject m1(ToolA);
     m1.SetPos(Point(10, 10));
-    TObjTestObj m2(ToolA);
+    TTestObject m2(ToolA);
     m2.SetPos(Point(500, 500));
-    TObjTestObj s1(ToolB);
+    TTestObject s1(ToolB);
     s1.SetMaster(&m1);
     s1.SetPos(Point(13, 14));
-    TObjTestObj s2(ToolB);
+    TTestObject s2(ToolB);
     s2.SetMaster(&m2);
     s2.AssignPos(&s1);
     EXPECT_EQ(s2.Master(), &m2);
     EXPECT_EQ(s2.Pos_Log(), Point(503, 504));
 
-    TObjTestObj free1(ToolA);
+    TTestObject free1(ToolA);
     free1.AssignPos(&s1);
     EXPECT_EQ(free1.PosRec().y, s1.PosRec().y);
     EXPECT_EQ(free1.PosRec().ConObj, &m1);
 }
 
 TEST_F(PositionTest, BoundsComeFromPositionAndSize) {
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     obj.SetPos(Point(100, 200));
     obj.W = 30;
     obj.H = 40;
@@ -181,7 +181,7 @@ TEST_F(PositionTest, BoundsComeFromPositionAndSize) {
 }
 
 TEST_F(PositionTest, ExtentIsAbsoluteForANegativeSize) {
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     obj.SetPos(Point(100, 200));
     obj.W = -30;
     obj.H = -5;
@@ -198,7 +198,7 @@ class LocalRectTest : public ObjectFixture, public ::testing::WithParamInterface
 
 TEST_P(LocalRectTest, LocalRectangleIsFlippedByTheOrigin) {
     ActScaleSet->SetOrigin(GetParam().Origin);
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     obj.SetPos(Point(100, 200));
     obj.W = 30;
     obj.H = 40;
@@ -218,7 +218,7 @@ INSTANTIATE_TEST_SUITE_P(Origins, LocalRectTest,
                                            OriginCase{TOrigin::RightBottom, Rect(30, 40, 0, 0)}));
 
 TEST_F(PositionTest, RoundCornerDivisorIsTheToolsTagOrTwo) {
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     EXPECT_EQ(obj.DRoundRect(), 2);
     ToolA->SetTag(5);
     EXPECT_EQ(obj.DRoundRect(), 5);
@@ -227,7 +227,7 @@ TEST_F(PositionTest, RoundCornerDivisorIsTheToolsTagOrTwo) {
 }
 
 TEST_F(PositionTest, MaxLimitsWithoutExtrasAreTheLimits) {
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     obj.SetPos(Point(10, 20));
     obj.W = 5;
     obj.H = 6;
@@ -237,7 +237,7 @@ TEST_F(PositionTest, MaxLimitsWithoutExtrasAreTheLimits) {
 }
 
 TEST_F(PositionTest, SizingWidensMaxLimitsToTheTempFrame) {
-    TObjTestObj obj(ToolA);
+    TTestObject obj(ToolA);
     obj.SetPos(Point(10, 20));
     const TLimRec plain = obj.GetMaxLimits();
     obj.State.Include(isSizing);

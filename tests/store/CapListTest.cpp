@@ -20,14 +20,15 @@ protected:
         StoreFixture::TearDown();
     }
     // An object of a tool whose generator has z value `Z`: each z value gets a creator of its own.
-    TLimObj* ObjZ(std::int32_t Z, std::uint16_t ID = 0) {
-        TStoreCreator*& tool = ToolsByZ[Z];
+    TTestObject* ObjZ(std::int32_t Z, std::uint16_t ID = 0) {
+        TTestCreator*& tool = ToolsByZ[Z];
         if (!tool) {
-            tool = new TStoreCreator(Form.get(),
-                                     static_cast<std::int16_t>(-100 - static_cast<int>(ToolsByZ.size())));
+            tool = new TTestCreator(Form.get(),
+                                    static_cast<std::int16_t>(-100 - static_cast<int>(ToolsByZ.size())));
+            tool->PrepareObject = GiveFixedLimits;
             tool->Generator()->SetZOrder(Z);
         }
-        TLimObj* obj = tool->Make(ID);
+        TTestObject* obj = tool->Make(ID);
         Owned.emplace_back(obj);
         return obj;
     }
@@ -51,7 +52,7 @@ protected:
         for (int i = 0; i < N; ++i) List.Add(ObjZ(0, static_cast<std::uint16_t>(i)));
     }
 
-    std::map<std::int32_t, TStoreCreator*> ToolsByZ;
+    std::map<std::int32_t, TTestCreator*> ToolsByZ;
     std::vector<std::unique_ptr<TvlObject>> Owned;
 };
 
@@ -154,7 +155,7 @@ TEST_F(CapListTest, WalksSkipNullEntriesInBothOrders) {
 TEST_F(CapListTest, WalkReadsTheCountOnceOnEntry) {
     TCapList list;
     FillPlain(list, 2);
-    TLimObj* late = ObjZ(0, 7);
+    TTestObject* late = ObjZ(0, 7);
     int calls = 0;
     list.AllObjects(
         [&](TvlObject*, void*) {
@@ -326,7 +327,7 @@ TEST_F(CapListTest, BadIndexRaisesListError) {
 }
 
 TEST_F(CapListTest, ListDoesNotOwnItsObjects) {
-    TLimObj* obj = ObjZ(0);
+    TTestObject* obj = ObjZ(0);
     const auto before = obj->Generator()->Instance();
     {
         TCapList list;
@@ -337,22 +338,22 @@ TEST_F(CapListTest, ListDoesNotOwnItsObjects) {
 
 TEST_F(CapListTest, SaveToStreamWritesEachObjectWithoutCountOrEndMark) {
     TCapList list;
-    TLimObj* a = ToolA->Make(1, 10, 20);
-    TLimObj* b = ToolB->Make(2, -1, 2);
+    TTestObject* a = ToolA->Make(1, 10, 20);
+    TTestObject* b = ToolB->Make(2, -1, 2);
     Owned.emplace_back(a);
     Owned.emplace_back(b);
     list.Add(a);
     list.Add(b);
     TMemoryStream stream;
     list.SaveToStream(stream);
-    EXPECT_EQ(stream.Bytes(), Hex("FBFF 0100 0100 0A000000 14000000"
-                                  "FAFF 0200 0100 FFFFFFFF 02000000"));
+    EXPECT_EQ(stream.Bytes(), HexBytes("FBFF 0100 0100 0A000000 14000000"
+                                       "FAFF 0200 0100 FFFFFFFF 02000000"));
 }
 
 TEST_F(CapListTest, SaveToStreamLeavesOutObjectsOfDontSaveTools) {
     TCapList list;
-    TLimObj* a = ToolA->Make(1);
-    TLimObj* b = ToolB->Make(2);
+    TTestObject* a = ToolA->Make(1);
+    TTestObject* b = ToolB->Make(2);
     Owned.emplace_back(a);
     Owned.emplace_back(b);
     list.Add(a);
@@ -360,7 +361,7 @@ TEST_F(CapListTest, SaveToStreamLeavesOutObjectsOfDontSaveTools) {
     ToolA->Generator()->SetRtOptions(TRuntimeOptions{roDontSave});
     TMemoryStream stream;
     list.SaveToStream(stream);
-    EXPECT_EQ(stream.Bytes(), Hex("FAFF 0200 0100 00000000 00000000"));
+    EXPECT_EQ(stream.Bytes(), HexBytes("FAFF 0200 0100 00000000 00000000"));
 }
 
 } // namespace

@@ -49,7 +49,7 @@ TEST_F(DataMod, ObjectsNumberedThroughTheirGeneratorCounter) {
 }
 
 TEST_F(DataMod, SelectOfASelectedObjectFiresNothingAndAddsNothing) {
-    TLimObj* a = Put(ToolA, 1);
+    TTestObject* a = Put(ToolA, 1);
     std::vector<TvlObject*> fired;
     Dm->OnSelectObject = [&](TvlObject* o) { fired.push_back(o); };
     Dm->Select(a);
@@ -62,8 +62,8 @@ TEST_F(DataMod, SelectOfASelectedObjectFiresNothingAndAddsNothing) {
 TEST_F(DataMod, SelectionKeepsZOrder) {
     ToolA->Generator()->SetZOrder(1);
     ToolB->Generator()->SetZOrder(5);
-    TLimObj* front = Put(ToolA, 1);
-    TLimObj* back = Put(ToolB, 1);
+    TTestObject* front = Put(ToolA, 1);
+    TTestObject* back = Put(ToolB, 1);
     Dm->Select(front);
     Dm->Select(back);
     EXPECT_EQ(Dm->Marked(0), back);
@@ -71,8 +71,8 @@ TEST_F(DataMod, SelectionKeepsZOrder) {
 }
 
 TEST_F(DataMod, SelectOfNullSetsTheFlagOnEveryMemberWithoutEvent) {
-    TLimObj* a = Put(ToolA, 1);
-    TLimObj* b = Put(ToolA, 2);
+    TTestObject* a = Put(ToolA, 1);
+    TTestObject* b = Put(ToolA, 2);
     Dm->Select(a);
     Dm->Select(b);
     a->State.Exclude(isSelected);
@@ -95,8 +95,8 @@ TEST_F(DataMod, UnSelectOfNullOnAnEmptySelectionFiresWithNullAndStillFlushes) {
 }
 
 TEST_F(DataMod, UnSelectFiresFirstThenTakesTheObjectOut) {
-    TLimObj* a = Put(ToolA, 1);
-    TLimObj* b = Put(ToolA, 2);
+    TTestObject* a = Put(ToolA, 1);
+    TTestObject* b = Put(ToolA, 2);
     Dm->Select(a);
     Dm->Select(b);
     bool stillSelectedAtEvent = false;
@@ -113,7 +113,7 @@ TEST_F(DataMod, UnSelectFiresFirstThenTakesTheObjectOut) {
 }
 
 TEST_F(DataMod, MarkSelectsFiresAndFlushes) {
-    TLimObj* a = Put(ToolA, 1);
+    TTestObject* a = Put(ToolA, 1);
     std::vector<std::string> log;
     Dm->OnSelectObject = [&](TvlObject*) { log.push_back("select"); };
     Dm->OnMarkObject = [&](TvlObject* o) { log.push_back(o == a ? "mark a" : "mark null"); };
@@ -126,8 +126,8 @@ TEST_F(DataMod, MarkSelectsFiresAndFlushes) {
 }
 
 TEST_F(DataMod, MarkOfNullMarksEverySelectedObjectAgain) {
-    TLimObj* a = Put(ToolA, 1);
-    TLimObj* b = Put(ToolA, 2);
+    TTestObject* a = Put(ToolA, 1);
+    TTestObject* b = Put(ToolA, 2);
     Dm->Select(a);
     Dm->Select(b);
     a->State.Exclude(isSelected);
@@ -141,8 +141,8 @@ TEST_F(DataMod, MarkOfNullMarksEverySelectedObjectAgain) {
 }
 
 TEST_F(DataMod, EraseRemovesFromStoreAndSelectionAndFrees) {
-    TLimObj* a = Put(ToolA, 1);
-    TLimObj* b = Put(ToolA, 2);
+    TTestObject* a = Put(ToolA, 1);
+    TTestObject* b = Put(ToolA, 2);
     Dm->Select(a);
     Dm->Erase(a);
     EXPECT_EQ(Contents(), (std::vector<TvlObject*>{b}));
@@ -195,15 +195,11 @@ TEST_F(DataMod, BackupWithoutUndoDoesNothing) {
 TEST_F(DataMod, BackupWritesTheBodyOrTheSelectedRecordsWithTheRestoreRect) {
     std::vector<std::string> log;
     TRecordingUndo* undo = nullptr;
-    UndoManagerFactory = [&](TUndo, std::uint8_t) {
-        auto m = std::make_unique<TRecordingUndo>(log);
-        undo = m.get();
-        return m;
-    };
+    UndoManagerFactory = RecordingUndoFactory(undo, &log);
     Dm->SetUndoFunction(TUndo{unDelete, unMove});
     Dm->Loaded();
     ASSERT_NE(undo, nullptr);
-    TLimObj* a = Put(ToolA, 1, LimRec(5, 6, 15, 16));
+    TTestObject* a = Put(ToolA, 1, LimRec(5, 6, 15, 16));
     Put(ToolA, 2);
     std::vector<TBackupMode> fired;
     Dm->OnBackup = [&](TObject* Sender, TBackupMode Mode) {
@@ -272,8 +268,8 @@ TEST_F(DataMod, ExtentIsTheLimitsSpan) {
 
 TEST_F(DataMod, FindObjectLooksUpClassNumberAndNumberAndNeedsAll) {
     Put(ToolA, 1);
-    TLimObj* b = Put(ToolB, 1);
-    TLimObj* a2 = Put(ToolA, 2);
+    TTestObject* b = Put(ToolB, 1);
+    TTestObject* a2 = Put(ToolA, 2);
     EXPECT_EQ(Dm->FindObject(TContype{-6, 1, nullptr}), b);
     EXPECT_EQ(Dm->FindObject(TContype{-5, 2, nullptr}), a2);
     EXPECT_EQ(Dm->FindObject(TContype{-7, 1, nullptr}), nullptr);
@@ -281,14 +277,14 @@ TEST_F(DataMod, FindObjectLooksUpClassNumberAndNumberAndNeedsAll) {
 }
 
 TEST_F(DataMod, FindObjectMapsTheClassNumberThroughTheMapInForce) {
-    TLimObj* b = Put(ToolB, 3);
+    TTestObject* b = Put(ToolB, 3);
     MapClassNr = [](std::int16_t Nr) { return static_cast<std::int16_t>(Nr == 40 ? -6 : Nr); };
     EXPECT_EQ(Dm->FindObject(TContype{40, 3, nullptr}), b);
 }
 
 TEST_F(DataMod, CheckLinksAsksEveryObjectWhetherItIsInvolved) {
-    TLimObj* master = Put(ToolA, 1);
-    TSlaveObj* slave = PutSlave(ToolB, 1, master);
+    TTestObject* master = Put(ToolA, 1);
+    TTestObject* slave = PutSlave(ToolB, 1, master);
     Dm->Select(master);
     Dm->CheckLinks(invMove);
     EXPECT_TRUE(slave->Selected());
@@ -370,7 +366,7 @@ TEST_F(DataMod, TheBaseRaisesTheAbstractErrorForWhatAStoreMustProvide) {
 
 TEST_F(DataMod, ConnectObjectsReportsEachObject) {
     RecordInfo();
-    TLimObj* a = Put(ToolA, 1);
+    TTestObject* a = Put(ToolA, 1);
     TvlDataMod::ConnectObjects(a, nullptr);
     EXPECT_EQ(InfoLog.back(), "count 0");
 }

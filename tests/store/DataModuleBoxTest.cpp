@@ -2,11 +2,12 @@
 // object that the next paint draws in z-order, and finding, marking, moving and deleting repaint only
 // what changed.
 
-#include "platform/services/ServiceDoubles.h"
-#include "platform/services/Services.h"
 #include "platform/window/Controls.h"
 #include "store/Vlmm.h"
 #include "support/FormFixture.h"
+#include "support/InputHelpers.h"
+#include "support/ObjectDoubles.h"
+#include "support/ServiceBundle.h"
 #include "surface/Drawbox.h"
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
@@ -28,46 +29,10 @@ namespace {
 
 using TDrawLog = std::vector<std::string>;
 
-// A square of `Size` units from its position whose hot area is that square.
-class TBoxSquare : public TvlObject {
-public:
-    explicit TBoxSquare(TvlCreator* ATool) : TvlObject(ATool) {}
-    std::int32_t GetWidth() override { return 20; }
-    std::int32_t GetHeight() override { return 20; }
-    bool Found(const TLimRec& R) override {
-        const TLimRec l = GetLimits();
-        return Visible() && R.Xmin < l.Xmax && R.Xmax > l.Xmin && R.Ymin < l.Ymax && R.Ymax > l.Ymin;
-    }
-};
-
-// A creator that makes one square per click, drawn by its `OnObjectDraw` in a colour of its own;
-// each draw is logged as "<name>#<number>".
-class TBoxSquareCreator : public TvlCreator {
-public:
-    TBoxSquareCreator(TComponent* AOwner, std::string Name, TColor Fill, TDrawLog& Log)
-        : TvlCreator(AOwner), FName(std::move(Name)) {
-        OnObjectDraw = [this, Fill, &Log](TvlObject* Obj) {
-            Log.push_back(FName + "#" + std::to_string(Obj->ID()));
-            TCanvas& c = *ActScaleSet->Canvas();
-            c.Brush().SetColor(Fill);
-            c.Brush().SetStyle(bsSolid);
-            c.FillRect(Rect(0, 0, Obj->GetWidth(), Obj->GetHeight()));
-        };
-    }
-    TCapClass DefaultClass() override { return &NewObjectOf<TBoxSquare>; }
-    TvlObject* SetNewObj(const TPoint& CurPos) override { return PlaceNewObject(CurPos); }
-
-private:
-    std::string FName;
-};
-
-class DataModuleBox : public FormFixture {
+class DataModuleBox : public FormFixture, public TServiceBundle {
 protected:
     void SetUp() override {
-        NewForm(Bounds(0, 0, 400, 300));
-        Box = NewBox(Rect(10, 10, 310, 210));
-        Box->SetColor(clWhite);
-        Box->ScaleSetting().SetMinUnit(TLenUnits::Pixel);
+        Box = NewPixelBoxForm();
         Red = AddCreator("red", clRed, 1);
         Blue = AddCreator("blue", clBlue, 5);
         Form->BeginLoadingAll();
@@ -80,37 +45,41 @@ protected:
         Screen.SetPixelsPerInch(0);
     }
 
-    TBoxSquareCreator* AddCreator(const std::string& Name, TColor Fill, std::int32_t Z) {
-        auto* c = new TBoxSquareCreator(Form.get(), Name, Fill, Draws);
+    // A creator that places one square of 20 units per click, found where it lies and drawn by the
+    // creator's `OnObjectDraw` in `Fill`; each draw is logged as "<name>#<number>".
+    TTestCreator* AddCreator(const std::string& Name, TColor Fill, std::int32_t Z) {
+        auto* c = new TTestCreator(Form.get());
+        c->PlacesOnClick = true;
+        c->PrepareObject = [](TTestObject& O) {
+            O.W = 20;
+            O.H = 20;
+            O.HitByLimits = true;
+        };
+        c->OnObjectDraw = [this, Name, Fill](TvlObject* Obj) {
+            Draws.push_back(Name + "#" + std::to_string(Obj->ID()));
+            TCanvas& canvas = *ActScaleSet->Canvas();
+            canvas.Brush().SetColor(Fill);
+            canvas.Brush().SetStyle(bsSolid);
+            canvas.FillRect(Rect(0, 0, Obj->GetWidth(), Obj->GetHeight()));
+        };
         c->SetName(QString::fromStdString(Name));
         c->FDrawForm = Box;
         c->Generator()->SetZOrder(Z);
         return c;
     }
-    QPoint InWindow(int X, int Y) const {
-        const int b = Box->BorderWidth();
-        return Box->Widget()->mapTo(Form->Widget(), QPoint(X + b, Y + b));
-    }
+    QPoint InWindow(int X, int Y) const { return ClientInWindow(*Box, X, Y); }
     // A click of the left button with `Tool` current.
     void Click(TMouseTool* Tool, int X, int Y) {
         Tool->Activate(Box);
-        QWindow* w = Form->Widget()->windowHandle();
-        QTest::mousePress(w, Qt::LeftButton, {}, InWindow(X, Y));
-        QTest::mouseRelease(w, Qt::LeftButton, {}, InWindow(X, Y));
+        test::Click(Window(), InWindow(X, Y));
         Settle();
     }
     QRgb Pixel(int X, int Y) const { return Box->Surface().Image().pixel(X, Y) & 0xFFFFFF; }
 
-    TErrorServiceDouble Errors;
-    TServiceScope<TErrorService> ErrorScope{Errors};
-    TMessageServiceDouble Dialogs;
-    TServiceScope<TMessageService> DialogScope{Dialogs};
-    TCursorServiceDouble Cursor;
-    TServiceScope<TCursorService> CursorScope{Cursor};
     TvlDrawbox* Box = nullptr;
     TvlDataModule* Dm = nullptr;
-    TBoxSquareCreator* Red = nullptr;
-    TBoxSquareCreator* Blue = nullptr;
+    TTestCreator* Red = nullptr;
+    TTestCreator* Blue = nullptr;
     TDrawLog Draws;
 };
 

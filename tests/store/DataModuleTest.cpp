@@ -18,8 +18,8 @@ TEST_F(DataModule, StartsWithOneEmptyLayerOfCapacityAHundred) {
 }
 
 TEST_F(DataModule, AddWithAnyLayerNumberGoesToTheOnlyLayer) {
-    TLimObj* a = ToolA->Make(1);
-    TLimObj* b = ToolA->Make(2);
+    TTestObject* a = ToolA->Make(1);
+    TTestObject* b = ToolA->Make(2);
     Dm->Add(a, 0);
     Dm->Add(b, 17);
     EXPECT_EQ(Dm->Objects()->Count(), 2);
@@ -28,7 +28,7 @@ TEST_F(DataModule, AddWithAnyLayerNumberGoesToTheOnlyLayer) {
 }
 
 TEST_F(DataModule, HiddenObjectsCount) {
-    TLimObj* a = Put(ToolA, 1);
+    TTestObject* a = Put(ToolA, 1);
     a->State.Exclude(isVisible);
     EXPECT_EQ(Dm->GetCount(), 1);
     EXPECT_FALSE(Dm->Empty());
@@ -42,8 +42,8 @@ TEST_F(DataModule, BringToFrontOfANonObjectAnswersMinusOne) {
 }
 
 TEST_F(DataModule, BringToFrontAndSendToBackGoToTheLayer) {
-    TLimObj* a = Put(ToolA, 1);
-    TLimObj* b = Put(ToolA, 2);
+    TTestObject* a = Put(ToolA, 1);
+    TTestObject* b = Put(ToolA, 2);
     EXPECT_EQ(Dm->BringToFront(a, false), 1);
     EXPECT_EQ(Contents(), (std::vector<TvlObject*>{b, a}));
     EXPECT_EQ(Dm->SendToBack(a, false), 0);
@@ -51,7 +51,7 @@ TEST_F(DataModule, BringToFrontAndSendToBackGoToTheLayer) {
 }
 
 TEST_F(DataModule, ObjectAtTheCountIsNullAndANegativeIndexRaises) {
-    TLimObj* a = Put(ToolA, 1);
+    TTestObject* a = Put(ToolA, 1);
     EXPECT_EQ(Dm->ObjectAt(0, 5), a);
     EXPECT_EQ(Dm->ObjectAt(Dm->GetCount(), 0), nullptr);
     EXPECT_THROW(Dm->ObjectAt(-1, 0), EListError);
@@ -59,8 +59,8 @@ TEST_F(DataModule, ObjectAtTheCountIsNullAndANegativeIndexRaises) {
 
 TEST_F(DataModule, SearchesStartAtStartIndexAndResetIt) {
     Put(ToolA, 1);
-    TLimObj* b = Put(ToolB, 1);
-    TLimObj* c = Put(ToolB, 2);
+    TTestObject* b = Put(ToolB, 1);
+    TTestObject* c = Put(ToolB, 2);
     auto ofB = [](TvlObject* o, void*) { return o->ClassNr() == -6; };
     Dm->SetStartIndex(TObjIndex{2, 0});
     EXPECT_EQ(Dm->FirstObjectWith(ofB, nullptr), c);
@@ -73,15 +73,15 @@ TEST_F(DataModule, SearchesStartAtStartIndexAndResetIt) {
 }
 
 TEST_F(DataModule, AllObjectsBackWalksFromTheFront) {
-    TLimObj* a = Put(ToolA, 1);
-    TLimObj* b = Put(ToolA, 2);
+    TTestObject* a = Put(ToolA, 1);
+    TTestObject* b = Put(ToolA, 2);
     std::vector<TvlObject*> seen;
     Dm->AllObjectsBack([&](TvlObject* o, void*) { seen.push_back(o); }, nullptr);
     EXPECT_EQ(seen, (std::vector<TvlObject*>{b, a}));
 }
 
 TEST_F(DataModule, FindAtFindsTheRearmostObjectUnderThePoint) {
-    TLimObj* back = Put(ToolA, 1, LimRec(0, 0, 20, 20));
+    TTestObject* back = Put(ToolA, 1, LimRec(0, 0, 20, 20));
     Put(ToolA, 2, LimRec(10, 10, 30, 30));
     EXPECT_EQ(Dm->FindAt(0, 15, 15), back);
     EXPECT_EQ(Dm->FindAt(0, 500, 500), nullptr);
@@ -93,7 +93,7 @@ TEST_F(DataModule, FindAtOnAnEmptyLayerRaisesTheListError) {
 
 TEST_F(DataModule, CheckLimitsOnlyCondemnsLimitsThatAnObjectLeft) {
     Put(ToolA, 1, LimRec(0, 0, 100, 100));
-    TLimObj* inner = Put(ToolA, 2, LimRec(10, 10, 20, 20));
+    TTestObject* inner = Put(ToolA, 2, LimRec(10, 10, 20, 20));
     Dm->RecalcLimits();
     const TLimRec kept = Dm->GetLimits();
     Dm->CheckLimits(inner, false);
@@ -107,7 +107,7 @@ TEST_F(DataModule, CheckLimitsOnlyCondemnsLimitsThatAnObjectLeft) {
 }
 
 TEST_F(DataModule, ClearFreesTheDrawingAndForgetsTheObjectUnderTheMouse) {
-    TLimObj* a = Put(ToolA, 1);
+    TTestObject* a = Put(ToolA, 1);
     Dm->Select(a);
     Box->SetMouseFnd(a);
     Dm->Clear();
@@ -135,15 +135,11 @@ TEST_F(DataModule, DeleteObjectsWithAnEmptySelectionFiresNeither) {
 TEST_F(DataModule, DeleteObjectsSnapshotsAndFiresWhileTheObjectsAreStillThere) {
     std::vector<std::string> log;
     TRecordingUndo* undo = nullptr;
-    UndoManagerFactory = [&](TUndo, std::uint8_t) {
-        auto m = std::make_unique<TRecordingUndo>(log);
-        undo = m.get();
-        return m;
-    };
+    UndoManagerFactory = RecordingUndoFactory(undo, &log);
     Dm->SetUndoFunction(TUndo{unDelete});
     Dm->Loaded();
-    TLimObj* a = Put(ToolA, 1);
-    TLimObj* b = Put(ToolA, 2);
+    TTestObject* a = Put(ToolA, 1);
+    TTestObject* b = Put(ToolA, 2);
     Dm->Select(a);
     Box->SetMouseFnd(b);
     int deletes = 0;
@@ -164,8 +160,8 @@ TEST_F(DataModule, DeleteObjectsSnapshotsAndFiresWhileTheObjectsAreStillThere) {
 }
 
 TEST_F(DataModule, AMarkedSlaveWhoseMasterIsNotMarkedSurvivesAndNothingFires) {
-    TLimObj* master = Put(ToolA, 1);
-    TSlaveObj* slave = PutSlave(ToolB, 1, master);
+    TTestObject* master = Put(ToolA, 1);
+    TTestObject* slave = PutSlave(ToolB, 1, master);
     Dm->Select(slave);
     int deletes = 0;
     Dm->OnDeleteObjects = [&](TObject*) { ++deletes; };
@@ -176,9 +172,9 @@ TEST_F(DataModule, AMarkedSlaveWhoseMasterIsNotMarkedSurvivesAndNothingFires) {
 }
 
 TEST_F(DataModule, ASlaveWhoseMasterIsMarkedGoesWithIt) {
-    TLimObj* master = Put(ToolA, 1);
+    TTestObject* master = Put(ToolA, 1);
     PutSlave(ToolB, 1, master);
-    TLimObj* other = Put(ToolC, 1);
+    TTestObject* other = Put(ToolC, 1);
     Dm->Select(master);
     int deletes = 0;
     Dm->OnDeleteObjects = [&](TObject*) { ++deletes; };
@@ -188,9 +184,9 @@ TEST_F(DataModule, ASlaveWhoseMasterIsMarkedGoesWithIt) {
 }
 
 TEST_F(DataModule, AMarkedSlaveAmongOthersSurvivesTheOthersGo) {
-    TLimObj* master = Put(ToolA, 1);
-    TSlaveObj* slave = PutSlave(ToolB, 1, master);
-    TLimObj* other = Put(ToolC, 1);
+    TTestObject* master = Put(ToolA, 1);
+    TTestObject* slave = PutSlave(ToolB, 1, master);
+    TTestObject* other = Put(ToolC, 1);
     Dm->Select(slave);
     Dm->Select(other);
     int deletes = 0;
@@ -206,7 +202,7 @@ TEST_F(DataModule, TheBodyIsTheCountersThenTheLayer) {
     Dm->IncCounter(1);
     Dm->IncCounter(1);
     const QByteArray body = Body();
-    EXPECT_EQ(body, Hex("0200 0000 0200 00000000 0180"));
+    EXPECT_EQ(body, HexBytes("0200 0000 0200 00000000 0180"));
     EXPECT_FALSE(Dm->State.Contains(dmSaving));
 }
 
@@ -235,7 +231,7 @@ TEST_F(DataModule, SaveSetsSavingOnlyWhileItRuns) {
 TEST_F(DataModule, SaveLoadSaveGivesTheSameBytes) {
     ToolA->Generator()->SetCounter(0);
     ToolB->Generator()->SetCounter(1);
-    TLimObj* a1 = Put(ToolA, Dm->IncCounter(0), LimRec(10, 20, 30, 40));
+    TTestObject* a1 = Put(ToolA, Dm->IncCounter(0), LimRec(10, 20, 30, 40));
     Put(ToolB, Dm->IncCounter(1), LimRec(-5, 7, 3, 9));
     Put(ToolA, Dm->IncCounter(0), LimRec(100, 200, 300, 400));
     PutSlave(ToolC, Dm->IncCounter(2), a1);
@@ -251,7 +247,7 @@ TEST_F(DataModule, SaveLoadSaveGivesTheSameBytes) {
 }
 
 TEST_F(DataModule, LoadingConnectsSlavesToTheirMasters) {
-    TLimObj* master = Put(ToolA, 4);
+    TTestObject* master = Put(ToolA, 4);
     PutSlave(ToolB, 9, master);
     TMemoryStream in(Body());
     Dm->LoadFromStream(in);
@@ -266,7 +262,7 @@ TEST_F(DataModule, ALoadReplacesTheDrawingAndResetsSelectionAndRange) {
     Put(ToolA, 1);
     const QByteArray body = Body();
     Dm->Clear();
-    TLimObj* old = Put(ToolB, 5);
+    TTestObject* old = Put(ToolB, 5);
     Dm->Select(old);
     Box->SetMouseFnd(old);
     Box->State.Exclude(bsNewRange);
@@ -318,7 +314,7 @@ protected:
         auto* other = new TvlDataModule(Form.get());
         other->SetDrawForm(Box);
         other->IncCounter(0);
-        TLimObj* c = ToolC->Make(7);
+        TTestObject* c = ToolC->Make(7);
         other->Add(c, 0);
         TMemoryStream s;
         other->SaveToStream(s);
@@ -326,8 +322,8 @@ protected:
         return s.Bytes();
     }
 
-    TLimObj* A = nullptr;
-    TLimObj* B = nullptr;
+    TTestObject* A = nullptr;
+    TTestObject* B = nullptr;
     QByteArray Before;
     std::vector<TvlObject*> Objects;
     TCounters CountersBefore;

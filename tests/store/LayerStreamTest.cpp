@@ -39,32 +39,32 @@ const char* const SampleHex = "02000000 4100 6200 0000"
 TEST_F(LayerStreamTest, SavedLayerIsNameObjectsAndEndMark) {
     TvlLayer layer;
     FillSample(layer);
-    EXPECT_EQ(Saved(layer), Hex(SampleHex));
+    EXPECT_EQ(Saved(layer), HexBytes(SampleHex));
 }
 
 TEST_F(LayerStreamTest, SavedLayerWithoutNameHasFourZeroBytesThenTheObjects) {
     TvlLayer layer;
     layer.Add(ToolA->Make(3, 1, 2));
-    EXPECT_EQ(Saved(layer), Hex("00000000 FBFF 0300 0100 01000000 02000000 0180"));
+    EXPECT_EQ(Saved(layer), HexBytes("00000000 FBFF 0300 0100 01000000 02000000 0180"));
 }
 
 TEST_F(LayerStreamTest, EmptyLayerIsFourZeroBytesAndTheEndMark) {
     TvlLayer layer;
-    EXPECT_EQ(Saved(layer), Hex("00000000 0180"));
+    EXPECT_EQ(Saved(layer), HexBytes("00000000 0180"));
 }
 
 TEST_F(LayerStreamTest, NameIsWrittenInUtf16WithItsTerminator) {
     TvlLayer layer(QString::fromUtf16(u"\u00e4\u20ac"));
-    EXPECT_EQ(Saved(layer), Hex("02000000 E400 AC20 0000 0180"));
+    EXPECT_EQ(Saved(layer), HexBytes("02000000 E400 AC20 0000 0180"));
 }
 
 TEST_F(LayerStreamTest, ObjectsOfDontSaveToolsAreLeftOut) {
     TvlLayer layer;
     FillSample(layer);
     ToolA->Generator()->SetRtOptions(TRuntimeOptions{roDontSave});
-    EXPECT_EQ(Saved(layer), Hex("02000000 4100 6200 0000"
-                                "FAFF 0200 0100 FFFFFFFF 02000000"
-                                "0180"));
+    EXPECT_EQ(Saved(layer), HexBytes("02000000 4100 6200 0000"
+                                     "FAFF 0200 0100 FFFFFFFF 02000000"
+                                     "0180"));
 }
 
 TEST_F(LayerStreamTest, LoadReadsWhatSaveWroteByteForByte) {
@@ -90,10 +90,10 @@ TEST_F(LayerStreamTest, LoadReadsWhatSaveWroteByteForByte) {
 TEST_F(LayerStreamTest, LoadKeepsFileOrderWithoutZOrderOrLimits) {
     ToolA->Generator()->SetZOrder(1);
     ToolB->Generator()->SetZOrder(9);
-    auto stream = StreamOf(Hex("00000000"
-                               "FBFF 0100 0100 0A000000 14000000"
-                               "FAFF 0200 0100 1E000000 28000000"
-                               "0180"));
+    auto stream = StreamOf(HexBytes("00000000"
+                                    "FBFF 0100 0100 0A000000 14000000"
+                                    "FAFF 0200 0100 1E000000 28000000"
+                                    "0180"));
     TvlLayer layer;
     layer.LoadFromStream(*stream, Form.get());
     ASSERT_EQ(layer.Count(), 2);
@@ -107,7 +107,7 @@ TEST_F(LayerStreamTest, LoadKeepsFileOrderWithoutZOrderOrLimits) {
 TEST_F(LayerStreamTest, LoadAppendsBehindObjectsAlreadyThere) {
     TvlLayer layer;
     layer.Add(ToolC->Make(5));
-    auto stream = StreamOf(Hex("00000000 FBFF 0100 0100 00000000 00000000 0180"));
+    auto stream = StreamOf(HexBytes("00000000 FBFF 0100 0100 00000000 00000000 0180"));
     layer.LoadFromStream(*stream, Form.get());
     ASSERT_EQ(layer.Count(), 2);
     EXPECT_EQ(layer[0]->Tool(), ToolC);
@@ -116,14 +116,14 @@ TEST_F(LayerStreamTest, LoadAppendsBehindObjectsAlreadyThere) {
 
 TEST_F(LayerStreamTest, LoadKeepsANameTheLayerAlreadyHas) {
     TvlLayer layer(QStringLiteral("Mine"));
-    auto stream = StreamOf(Hex("02000000 4100 6200 0000 0180"));
+    auto stream = StreamOf(HexBytes("02000000 4100 6200 0000 0180"));
     layer.LoadFromStream(*stream, Form.get());
     EXPECT_EQ(layer.GetName(), QStringLiteral("Mine"));
 }
 
 TEST_F(LayerStreamTest, LoadOfEmptyLayerReadsNameAndEndMark) {
     TvlLayer layer;
-    auto stream = StreamOf(Hex("01000000 5A00 0000 0180"));
+    auto stream = StreamOf(HexBytes("01000000 5A00 0000 0180"));
     layer.LoadFromStream(*stream, Form.get());
     EXPECT_EQ(layer.Count(), 0);
     EXPECT_EQ(layer.GetName(), QStringLiteral("Z"));
@@ -134,8 +134,8 @@ TEST_F(LayerStreamTest, StreamEndingBetweenObjectsRaisesAbortAndChangesNothing) 
     TvlLayer layer(QString(), 0);
     layer.Add(ToolC->Make(5));
     const int living = Living();
-    auto stream = StreamOf(Hex("02000000 4100 6200 0000"
-                               "FBFF 0100 0100 0A000000 14000000"));
+    auto stream = StreamOf(HexBytes("02000000 4100 6200 0000"
+                                    "FBFF 0100 0100 0A000000 14000000"));
     EXPECT_THROW(layer.LoadFromStream(*stream, Form.get()), EAbort);
     EXPECT_EQ(layer.Count(), 1);
     EXPECT_EQ(layer[0]->Tool(), ToolC);
@@ -145,7 +145,7 @@ TEST_F(LayerStreamTest, StreamEndingBetweenObjectsRaisesAbortAndChangesNothing) 
 
 TEST_F(LayerStreamTest, StreamEndingAfterOneByteOfAClassNumberRaisesAbort) {
     TvlLayer layer;
-    auto stream = StreamOf(Hex("00000000 FBFF 0100 0100 0A000000 14000000 01"));
+    auto stream = StreamOf(HexBytes("00000000 FBFF 0100 0100 0A000000 14000000 01"));
     EXPECT_THROW(layer.LoadFromStream(*stream, Form.get()), EAbort);
     EXPECT_EQ(layer.Count(), 0);
 }
@@ -153,9 +153,9 @@ TEST_F(LayerStreamTest, StreamEndingAfterOneByteOfAClassNumberRaisesAbort) {
 TEST_F(LayerStreamTest, StreamEndingInsideAnObjectRaisesAndLeavesNothingHalfBuilt) {
     TvlLayer layer;
     const int living = Living();
-    auto stream = StreamOf(Hex("00000000"
-                               "FBFF 0100 0100 0A000000 14000000"
-                               "FAFF 0200 0100 FFFF"));
+    auto stream = StreamOf(HexBytes("00000000"
+                                    "FBFF 0100 0100 0A000000 14000000"
+                                    "FAFF 0200 0100 FFFF"));
     EXPECT_THROW(layer.LoadFromStream(*stream, Form.get()), Exception);
     EXPECT_EQ(layer.Count(), 0);
     EXPECT_EQ(Living(), living);
@@ -164,7 +164,7 @@ TEST_F(LayerStreamTest, StreamEndingInsideAnObjectRaisesAndLeavesNothingHalfBuil
 TEST_F(LayerStreamTest, StreamEndingAfterAClassNumberRaisesAbort) {
     TvlLayer layer;
     const int living = Living();
-    auto stream = StreamOf(Hex("00000000 FBFF"));
+    auto stream = StreamOf(HexBytes("00000000 FBFF"));
     EXPECT_THROW(layer.LoadFromStream(*stream, Form.get()), EAbort);
     EXPECT_EQ(Living(), living);
 }
@@ -172,10 +172,10 @@ TEST_F(LayerStreamTest, StreamEndingAfterAClassNumberRaisesAbort) {
 TEST_F(LayerStreamTest, UnknownClassNumberRaisesAbortAndFreesWhatWasRead) {
     TvlLayer layer;
     const int living = Living();
-    auto stream = StreamOf(Hex("00000000"
-                               "FBFF 0100 0100 0A000000 14000000"
-                               "F0FF 0200 0100 FFFFFFFF 02000000"
-                               "0180"));
+    auto stream = StreamOf(HexBytes("00000000"
+                                    "FBFF 0100 0100 0A000000 14000000"
+                                    "F0FF 0200 0100 FFFFFFFF 02000000"
+                                    "0180"));
     EXPECT_THROW(layer.LoadFromStream(*stream, Form.get()), EAbort);
     EXPECT_EQ(layer.Count(), 0);
     EXPECT_EQ(Living(), living);
@@ -183,11 +183,11 @@ TEST_F(LayerStreamTest, UnknownClassNumberRaisesAbortAndFreesWhatWasRead) {
 
 TEST_F(LayerStreamTest, ClassNumberIsAComponentIndexWhenNotNegative) {
     // The data module is component 1 of the form: no creator.
-    auto bad = StreamOf(Hex("00000000 0100 0100 0100 00000000 00000000 0180"));
+    auto bad = StreamOf(HexBytes("00000000 0100 0100 0100 00000000 00000000 0180"));
     TvlLayer layer;
     EXPECT_THROW(layer.LoadFromStream(*bad, Form.get()), EAbort);
     // ToolA is component 2.
-    auto good = StreamOf(Hex("00000000 0200 0100 0100 00000000 00000000 0180"));
+    auto good = StreamOf(HexBytes("00000000 0200 0100 0100 00000000 00000000 0180"));
     layer.LoadFromStream(*good, Form.get());
     ASSERT_EQ(layer.Count(), 1);
     EXPECT_EQ(layer[0]->Tool(), ToolA);
@@ -197,7 +197,7 @@ TEST_F(LayerStreamTest, NameLongerThanTheStreamRaisesAbortWithoutAllocating) {
     for (const char* hex : {"FFFFFF7F 4100", "03000000 4100 4200 4300", "01000000"}) {
         SCOPED_TRACE(hex);
         TvlLayer layer;
-        auto stream = StreamOf(Hex(hex));
+        auto stream = StreamOf(HexBytes(hex));
         EXPECT_THROW(layer.LoadFromStream(*stream, Form.get()), EAbort);
         EXPECT_TRUE(layer.GetName().isEmpty());
     }
@@ -223,13 +223,13 @@ TEST_F(LayerStreamTest, EveryCutOfALayerStreamRaisesAndLeavesTheLayerAsItWas) {
 
 TEST_F(LayerStreamTest, StreamTooShortForTheNameLengthRaisesAbort) {
     TvlLayer layer;
-    auto stream = StreamOf(Hex("0100"));
+    auto stream = StreamOf(HexBytes("0100"));
     EXPECT_THROW(layer.LoadFromStream(*stream, Form.get()), EAbort);
 }
 
 TEST_F(LayerStreamTest, NegativeNameLengthMeansNoName) {
     TvlLayer layer;
-    auto stream = StreamOf(Hex("FEFFFFFF 0180"));
+    auto stream = StreamOf(HexBytes("FEFFFFFF 0180"));
     layer.LoadFromStream(*stream, Form.get());
     EXPECT_TRUE(layer.GetName().isEmpty());
     EXPECT_EQ(stream->Position(), stream->Size());
@@ -238,9 +238,9 @@ TEST_F(LayerStreamTest, NegativeNameLengthMeansNoName) {
 TEST_F(LayerStreamTest, OldFileHasFourByteClassNumbersAndSingleByteName) {
     FileHeader.Vellorum = -0x2050;
     FileHeader.Delphi = 0x08000000;
-    auto stream = StreamOf(Hex("02000000 58 E4 00"
-                               "FBFF 1234 07000000 0100 0A000000 14000000"
-                               "0180 0000"));
+    auto stream = StreamOf(HexBytes("02000000 58 E4 00"
+                                    "FBFF 1234 07000000 0100 0A000000 14000000"
+                                    "0180 0000"));
     TvlLayer layer;
     layer.LoadFromStream(*stream, Form.get());
     EXPECT_EQ(stream->Position(), stream->Size());
@@ -254,8 +254,8 @@ TEST_F(LayerStreamTest, OldFileHasFourByteClassNumbersAndSingleByteName) {
 TEST_F(LayerStreamTest, FileBefore2004HasNoNameField) {
     FileHeader.Vellorum = -0x2003;
     FileHeader.Delphi = 0;
-    auto stream = StreamOf(Hex("FBFF 0000 07000000 0100 0A000000 14000000"
-                               "0180 0000"));
+    auto stream = StreamOf(HexBytes("FBFF 0000 07000000 0100 0A000000 14000000"
+                                    "0180 0000"));
     TvlLayer layer;
     layer.LoadFromStream(*stream, Form.get());
     EXPECT_EQ(stream->Position(), stream->Size());
@@ -265,7 +265,7 @@ TEST_F(LayerStreamTest, FileBefore2004HasNoNameField) {
 
 TEST_F(LayerStreamTest, Utf16NameFromToolChain09000000On) {
     FileHeader.Delphi = 0x09000000;
-    auto stream = StreamOf(Hex("01000000 AC20 0000 0180"));
+    auto stream = StreamOf(HexBytes("01000000 AC20 0000 0180"));
     TvlLayer layer;
     layer.LoadFromStream(*stream, Form.get());
     EXPECT_EQ(layer.GetName(), QString::fromUtf16(u"\u20ac"));
@@ -301,7 +301,7 @@ TEST_F(LayerStreamTest, UserBreakStillWritesTheEndMark) {
     FillSample(layer);
     RecordInfo();
     Userbreak = true;
-    EXPECT_EQ(Saved(layer), Hex("02000000 4100 6200 0000 0180"));
+    EXPECT_EQ(Saved(layer), HexBytes("02000000 4100 6200 0000 0180"));
     EXPECT_EQ(InfoLog, (std::vector<std::string>{"msg 220 'Ab'", "msg 210 2"}));
     EXPECT_TRUE(Userbreak);
 }
@@ -318,9 +318,9 @@ TEST_F(LayerStreamTest, UserBreakDuringSaveEndsTheLayerAfterTheCurrentObject) {
     };
     InfoboxFactory = [this](TInfoLabel*, TProgressBar*) { return new TBreakingBox(InfoLog); };
     InfoOpen(nullptr, nullptr);
-    EXPECT_EQ(Saved(layer), Hex("02000000 4100 6200 0000"
-                                "FBFF 0100 0100 0A000000 14000000"
-                                "0180"));
+    EXPECT_EQ(Saved(layer), HexBytes("02000000 4100 6200 0000"
+                                     "FBFF 0100 0100 0A000000 14000000"
+                                     "0180"));
 }
 
 TEST_F(LayerStreamTest, LoadReportsTheStreamPositionAfterEachObject) {
@@ -337,7 +337,7 @@ TEST_F(LayerStreamTest, SavingWithNoInfoBoxOpenWorks) {
     TvlLayer layer;
     FillSample(layer);
     ASSERT_EQ(Infobox, nullptr);
-    EXPECT_EQ(Saved(layer), Hex(SampleHex));
+    EXPECT_EQ(Saved(layer), HexBytes(SampleHex));
 }
 
 } // namespace

@@ -19,8 +19,8 @@ namespace {
 class LayerTest : public StoreFixture {
 protected:
     // An object of no tool with the given limits: its maximal limits are exactly these.
-    static TLimObj* Lim(std::int32_t Xmin, std::int32_t Ymin, std::int32_t Xmax, std::int32_t Ymax) {
-        auto* obj = new TLimObj();
+    static TTestObject* Lim(std::int32_t Xmin, std::int32_t Ymin, std::int32_t Xmax, std::int32_t Ymax) {
+        auto* obj = new TTestObject();
         obj->Lims = LimRec(Xmin, Ymin, Xmax, Ymax);
         return obj;
     }
@@ -57,7 +57,7 @@ TEST_F(LayerTest, LimitsAreWidenedAsObjectsAreAdded) {
 
 TEST_F(LayerTest, AddIncludesPenWidthsOfTheToolInTheLimits) {
     TvlLayer layer;
-    TLimObj* obj = ToolA->Make(1);
+    TTestObject* obj = ToolA->Make(1);
     obj->Lims = LimRec(10, 10, 20, 20);
     layer.Add(obj);
     // Three pen widths of the tool's pen (width 1) on every side.
@@ -78,7 +78,7 @@ TEST_F(LayerTest, LayerWithOnlyLimitlessObjectsKeepsItsEmptyLimits) {
     TvlLayer layer;
     layer.Add(Lim(-2147483647, -2147483647, 0x7FFFFFFF, 0x7FFFFFFF));
     layer.Add(Lim(-2147483647 - 1, -2147483647 - 1, 0x7FFFFFFF, 0x7FFFFFFF));
-    TLimObj* noHorz = Lim(1, 2, 3, 4);
+    TTestObject* noHorz = Lim(1, 2, 3, 4);
     noHorz->State = isNoHorzLimit | isNoVertLimit;
     layer.Add(noHorz);
     EXPECT_EQ(layer.MinX(), 0x7FFFFFFF);
@@ -95,11 +95,11 @@ TEST_F(LayerTest, LowestMinimumThatStillCountsIsMinus2147483646) {
 
 TEST_F(LayerTest, ObjectWithoutHorizontalLimitWidensOnlyVertically) {
     TvlLayer layer;
-    TLimObj* obj = Lim(-50, -60, 50, 60);
+    TTestObject* obj = Lim(-50, -60, 50, 60);
     obj->State.Include(isNoHorzLimit);
     layer.Add(obj);
     EXPECT_EQ(layer.Limits(), LimRec(0x7FFFFFFF, -60, -2147483647, 60));
-    TLimObj* other = Lim(-5, -6, 5, 6);
+    TTestObject* other = Lim(-5, -6, 5, 6);
     other->State.Include(isNoVertLimit);
     layer.Add(other);
     EXPECT_EQ(layer.Limits(), LimRec(-5, -60, 5, 60));
@@ -108,7 +108,7 @@ TEST_F(LayerTest, ObjectWithoutHorizontalLimitWidensOnlyVertically) {
 TEST_F(LayerTest, UnconnectedSlaveDoesNotWidenTheLimits) {
     TvlLayer layer;
     layer.Add(Lim(0, 0, 10, 10));
-    TLimObj* slave = Lim(-100, -100, 100, 100);
+    TTestObject* slave = Lim(-100, -100, 100, 100);
     slave->State.Include(isConnect);
     layer.Add(slave);
     EXPECT_EQ(layer.Limits(), LimRec(0, 0, 10, 10));
@@ -118,7 +118,7 @@ TEST_F(LayerTest, UnconnectedSlaveDoesNotWidenTheLimits) {
 TEST_F(LayerTest, DeletionWithoutInitLimitsKeepsTheOldLimits) {
     TvlLayer layer;
     layer.Add(Lim(0, 0, 10, 10));
-    TLimObj* big = Lim(-100, -100, 100, 100);
+    TTestObject* big = Lim(-100, -100, 100, 100);
     layer.Add(big);
     big->State.Include(isDeleted);
     layer.DeleteObjects();
@@ -129,7 +129,7 @@ TEST_F(LayerTest, DeletionWithoutInitLimitsKeepsTheOldLimits) {
 TEST_F(LayerTest, LimitsShrinkWhenRecomputedAfterDeletion) {
     TvlLayer layer;
     layer.Add(Lim(0, 0, 10, 10));
-    TLimObj* big = Lim(-100, -100, 100, 100);
+    TTestObject* big = Lim(-100, -100, 100, 100);
     layer.Add(big);
     layer.Add(Lim(5, 5, 20, 8));
     big->State.Include(isDeleted);
@@ -141,7 +141,7 @@ TEST_F(LayerTest, LimitsShrinkWhenRecomputedAfterDeletion) {
 
 TEST_F(LayerTest, DeleteObjectsFreesMarkedObjectsAndPacksOnce) {
     TvlLayer layer;
-    std::vector<TLimObj*> objs;
+    std::vector<TTestObject*> objs;
     for (std::uint16_t i = 0; i < 5; ++i) {
         objs.push_back(ToolA->Make(i));
         layer.Add(objs.back());
@@ -156,7 +156,7 @@ TEST_F(LayerTest, DeleteObjectsFreesMarkedObjectsAndPacksOnce) {
 
 TEST_F(LayerTest, RecalcLimitsRebuildsFromAllObjectsAndEndsTheRebuild) {
     TvlLayer layer;
-    TLimObj* a = Lim(0, 0, 10, 10);
+    TTestObject* a = Lim(0, 0, 10, 10);
     layer.Add(a);
     layer.Add(Lim(20, 20, 30, 30));
     a->Lims = LimRec(12, 12, 14, 14);
@@ -175,7 +175,7 @@ TEST_F(LayerTest, InitLimitsEmptiesAndMarksTheRebuild) {
 
 TEST_F(LayerTest, FirstWalkAfterInitLimitsRebuildsThemAndPacks) {
     TvlLayer layer;
-    TLimObj* a = Lim(0, 0, 10, 10);
+    TTestObject* a = Lim(0, 0, 10, 10);
     layer.Add(a);
     layer.Add(Lim(20, 20, 30, 30));
     layer.Add(Lim(40, 40, 50, 50));
@@ -195,7 +195,7 @@ TEST_F(LayerTest, FirstWalkAfterInitLimitsRebuildsThemAndPacks) {
 
 TEST_F(LayerTest, WalkWithoutRebuildLeavesLimitsAndNullEntries) {
     TvlLayer layer;
-    TLimObj* a = Lim(0, 0, 10, 10);
+    TTestObject* a = Lim(0, 0, 10, 10);
     layer.Add(a);
     layer.Add(Lim(20, 20, 30, 30));
     TvlObject* second = layer[1];
@@ -252,7 +252,7 @@ TEST_P(LayerOutsideTest, IsOutsideLimits) {
     const TOutsideCase& c = GetParam();
     TvlLayer layer;
     layer.Add(Lim(0, 0, 100, 100));
-    TLimObj probe;
+    TTestObject probe;
     probe.Lims = c.Object;
     EXPECT_EQ(layer.IsOutsideLimits(&probe, c.InclBorder), c.Outside);
 }
@@ -276,17 +276,17 @@ INSTANTIATE_TEST_SUITE_P(
 
 class LayerZTest : public LayerTest {
 protected:
-    TLimObj* ObjZ(std::int32_t Z, std::uint16_t ID) {
-        TStoreCreator*& tool = ToolsByZ[Z];
+    TTestObject* ObjZ(std::int32_t Z, std::uint16_t ID) {
+        TTestCreator*& tool = ToolsByZ[Z];
         if (!tool) {
-            tool = new TStoreCreator(Form.get(),
-                                     static_cast<std::int16_t>(-100 - static_cast<int>(ToolsByZ.size())));
+            tool = new TTestCreator(Form.get(),
+                                    static_cast<std::int16_t>(-100 - static_cast<int>(ToolsByZ.size())));
             tool->SetDrawForm(Box);
             tool->Generator()->SetZOrder(Z);
         }
         return tool->Make(ID);
     }
-    std::map<std::int32_t, TStoreCreator*> ToolsByZ;
+    std::map<std::int32_t, TTestCreator*> ToolsByZ;
 };
 
 TEST_F(LayerZTest, AddSortsByZ) {
@@ -303,7 +303,7 @@ TEST_F(LayerZTest, SendToBackWithZIntoFiveThreeOneLandsAtOne) {
     layer.Add(ObjZ(5, 1));
     layer.Add(ObjZ(3, 2));
     layer.Add(ObjZ(1, 3));
-    TLimObj* item = ObjZ(3, 9);
+    TTestObject* item = ObjZ(3, 9);
     layer.Insert(3, item);
     EXPECT_EQ(layer.SendToBack(item, true), 1);
     EXPECT_EQ(IDs(layer), (std::vector<int>{1, 9, 2, 3}));
@@ -313,7 +313,7 @@ TEST_F(LayerZTest, SendToBackWithGreaterZAtIndexZeroGivesOne) {
     TvlLayer layer;
     layer.Add(ObjZ(5, 1));
     layer.Add(ObjZ(0, 2));
-    TLimObj* item = ObjZ(0, 9);
+    TTestObject* item = ObjZ(0, 9);
     layer.Add(item);
     EXPECT_EQ(layer.SendToBack(item, true), 1);
     EXPECT_EQ(IDs(layer), (std::vector<int>{1, 9, 2}));
@@ -323,7 +323,7 @@ TEST_F(LayerZTest, SendToBackWithoutGreaterZGoesToZero) {
     TvlLayer layer;
     layer.Add(ObjZ(1, 1));
     layer.Add(ObjZ(2, 2));
-    TLimObj* item = ObjZ(7, 9);
+    TTestObject* item = ObjZ(7, 9);
     layer.Insert(2, item);
     EXPECT_EQ(layer.SendToBack(item, true), 0);
     EXPECT_EQ(IDs(layer), (std::vector<int>{9, 2, 1}));
@@ -332,7 +332,7 @@ TEST_F(LayerZTest, SendToBackWithoutGreaterZGoesToZero) {
 TEST_F(LayerZTest, SendToBackWithoutZGoesToZero) {
     TvlLayer layer;
     layer.Add(ObjZ(5, 1));
-    TLimObj* item = ObjZ(1, 9);
+    TTestObject* item = ObjZ(1, 9);
     layer.Add(item);
     EXPECT_EQ(layer.SendToBack(item, false), 0);
     EXPECT_EQ(IDs(layer), (std::vector<int>{9, 1}));
@@ -340,7 +340,7 @@ TEST_F(LayerZTest, SendToBackWithoutZGoesToZero) {
 
 TEST_F(LayerZTest, BringToFrontWithZGoesAsFarForwardAsItsZAllows) {
     TvlLayer layer;
-    TLimObj* item = ObjZ(3, 9);
+    TTestObject* item = ObjZ(3, 9);
     layer.Add(ObjZ(5, 1));
     layer.Add(ObjZ(3, 2));
     layer.Add(item);
@@ -354,7 +354,7 @@ TEST_F(LayerZTest, BringToFrontWithZGoesAsFarForwardAsItsZAllows) {
 
 TEST_F(LayerZTest, BringToFrontWithoutZGoesToTheEndAndLeavesZOrderSet) {
     TvlLayer layer;
-    TLimObj* item = ObjZ(5, 9);
+    TTestObject* item = ObjZ(5, 9);
     layer.Add(item);
     layer.Add(ObjZ(1, 1));
     layer.Add(ObjZ(0, 2));
@@ -366,7 +366,7 @@ TEST_F(LayerZTest, BringToFrontWithoutZGoesToTheEndAndLeavesZOrderSet) {
 
 TEST_F(LayerZTest, BringToFrontWithoutZSetsZOrderAlsoWhenItWasClear) {
     TvlLayer layer;
-    TLimObj* item = ObjZ(5, 9);
+    TTestObject* item = ObjZ(5, 9);
     layer.Add(item);
     layer.State.Exclude(lsZOrder);
     layer.BringToFront(item, false);
@@ -376,7 +376,8 @@ TEST_F(LayerZTest, BringToFrontWithoutZSetsZOrderAlsoWhenItWasClear) {
 TEST_F(LayerZTest, BringToFrontOfAStrangerAnswersMinusOneWithoutInvalidating) {
     TvlLayer layer;
     layer.Add(ObjZ(1, 1));
-    TLimObj stranger(ToolA);
+    TTestObject stranger(ToolA);
+    GiveFixedLimits(stranger);
     EXPECT_EQ(layer.BringToFront(&stranger, true), -1);
     EXPECT_EQ(layer.BringToFront(&stranger, false), -1);
     EXPECT_EQ(layer.SendToBack(&stranger, true), -1);
@@ -386,7 +387,7 @@ TEST_F(LayerZTest, BringToFrontOfAStrangerAnswersMinusOneWithoutInvalidating) {
 
 TEST_F(LayerZTest, MovesDoNotWidenTheLimits) {
     TvlLayer layer;
-    TLimObj* item = ObjZ(1, 1);
+    TTestObject* item = ObjZ(1, 1);
     item->Lims = LimRec(0, 0, 1, 1);
     layer.Add(item);
     const TLimRec before = layer.Limits();
@@ -468,7 +469,7 @@ TEST_F(LayerTest, InvalidateOfAnEmptyLayerDoesNothing) {
 
 TEST_F(LayerTest, InvalidateFlushesTheLayerThroughTheDataModuleOfItsFirstObject) {
     TvlLayer layer;
-    TLimObj* obj = ToolA->Make(1);
+    TTestObject* obj = ToolA->Make(1);
     obj->Lims = LimRec(10, 10, 20, 20);
     layer.Add(obj);
     Store->FRestoreRect = LimRec(1, 2, 3, 4);
