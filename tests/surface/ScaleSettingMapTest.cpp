@@ -1,6 +1,7 @@
 // The scale setting on a real raster device: the mapping it hands to a device context, the paper
 // mapping, the resolution read from the device, fitting with a canvas, and assignment.
 
+#include "support/ScaleFitDoubles.h"
 #include "surface/ScaleSetting.h"
 
 #include "platform/core/Exceptions.h"
@@ -244,33 +245,13 @@ TEST(ScaleSettingMap, AssignFromAnythingElseRaisesAConversionError) {
 
 // --- Fitting with a canvas ---------------------------------------------------------------------------
 
-struct CountingModule : TScaleFitSource {
-    TLimRec Limits;
-    int GetLimitsCalls = 0, InitLimitsCalls = 0, AdjustCalls = 0;
-    std::function<void()> OnAdjust;
-    TLimRec GetLimits() override {
-        ++GetLimitsCalls;
-        return Limits;
-    }
-    void InitLimits() override { ++InitLimitsCalls; }
-    void AdjustAllToScale() override {
-        ++AdjustCalls;
-        if (OnAdjust) OnAdjust();
-    }
-};
-
-struct Window : TClientAreaSource {
-    TRect Client;
-    TRect GetClientRect() const override { return Client; }
-};
-
 TEST(ScaleSettingMap, FullScreenFitsCentresAndMapsTheCanvas) {
     Device d;
     TScaleSetting s(&d.Canvas);
     Load(s, TLenUnits::Pixel, TOrigin::LeftBottom);
-    CountingModule dm;
+    test::TFitSourceDouble dm;
     dm.Limits = LimRec(0, 0, 1000, 250);
-    Window w;
+    test::TClientAreaDouble w;
     w.Client = Rect(0, 0, 200, 100);
     s.SetFullScreen(dm, w);
     EXPECT_EQ(0.2, s.RawScale());
@@ -293,7 +274,7 @@ TEST(ScaleSettingMap, FullScreenTakesTheClientRectangleOfAControlAndCentres) {
     Device d;
     TScaleSetting s(&d.Canvas);
     Load(s, TLenUnits::Pixel, TOrigin::LeftTop);
-    CountingModule dm;
+    test::TFitSourceDouble dm;
     dm.Limits = LimRec(0, 0, 500, 100);
     dm.OnAdjust = [&] { s.State.Include(scBoundsChanged); };
     s.SetFullScreen(dm, Control{});
@@ -306,10 +287,10 @@ TEST(ScaleSettingMap, FullScreenInAWindowReadaptsObjectsInFourRoundsAtMost) {
     Device d;
     TScaleSetting s(&d.Canvas);
     Load(s, TLenUnits::Pixel, TOrigin::LeftTop);
-    CountingModule dm;
+    test::TFitSourceDouble dm;
     dm.Limits = LimRec(0, 0, 1000, 250);
     dm.OnAdjust = [&] { s.State.Include(scBoundsChanged); };
-    Window w;
+    test::TClientAreaDouble w;
     w.Client = Rect(0, 0, 200, 100);
     s.SetFullScreen(dm, w);
     EXPECT_EQ(1 + 4, dm.AdjustCalls);
@@ -323,7 +304,7 @@ TEST(ScaleSettingMap, FullScreenIntoARectangleReadaptsUntilTheBoundsHoldStill) {
     Device d;
     TScaleSetting s(&d.Canvas);
     Load(s, TLenUnits::Pixel, TOrigin::LeftTop);
-    CountingModule dm;
+    test::TFitSourceDouble dm;
     dm.Limits = LimRec(0, 0, 1000, 250);
     int changes = 7;
     dm.OnAdjust = [&] {

@@ -1,6 +1,7 @@
 // The scale setting's units, conversions, scale and extents, placement and fitting.
 
 #include "surface/ScaleSetting.h"
+#include "support/ScaleFitDoubles.h"
 
 #include "platform/core/Exceptions.h"
 
@@ -620,35 +621,14 @@ TEST(ScaleSetting, ScaleToFitLeavesTheScaleAloneWithoutWidthOrHeight) {
 
 // --- Fitting the whole drawing -------------------------------------------------------------------------
 
-// A data module as fitting sees it: fixed limits and counters of what was asked of it.
-struct FakeModule : TScaleFitSource {
-    TLimRec Limits;
-    int GetLimitsCalls = 0, InitLimitsCalls = 0, AdjustCalls = 0;
-    std::function<void()> OnAdjust;
-    TLimRec GetLimits() override {
-        ++GetLimitsCalls;
-        return Limits;
-    }
-    void InitLimits() override { ++InitLimitsCalls; }
-    void AdjustAllToScale() override {
-        ++AdjustCalls;
-        if (OnAdjust) OnAdjust();
-    }
-};
-
-struct FakeWindow : TClientAreaSource {
-    TRect Client;
-    TRect GetClientRect() const override { return Client; }
-};
-
 TEST(ScaleSetting, FullScreenOnAnEmptyDrawingWithoutWidthStillPlacesTheViewport) {
     LoadedSetting l;
     l.S.SetScale(0.5);
     l.S.State = TScaleState();
     l.S.SetVPOrg({99, 99});
-    FakeModule dm;
+    test::TFitSourceDouble dm;
     dm.Limits = LimRec(0, 0, 0, 0);
-    FakeWindow w;
+    test::TClientAreaDouble w;
     w.Client = Rect(0, 0, 200, 100);
     l.S.SetFullScreen(dm, w);
     EXPECT_EQ(0.5, l.S.RawScale());
@@ -665,7 +645,7 @@ TEST(ScaleSetting, FullScreenIntoARectangleCentresOnlyOnRequest) {
     LoadedSetting l;
     l.S.SetScale(0.5);
     l.S.State = TScaleState();
-    FakeModule dm;
+    test::TFitSourceDouble dm;
     dm.Limits = LimRec(0, 0, 0, 0);
     l.S.SetFullScreen(dm, Rect(10, 20, 210, 120));
     EXPECT_EQ((TPoint{10, 20}), l.S.VPHome());
@@ -680,7 +660,7 @@ TEST(ScaleSetting, FullScreenShrinksTheTargetByTheBlankZone) {
     l.S.SetScale(0.5);
     l.S.State = TScaleState();
     l.S.SetBlankZone(10); // 37.5 pixels, 38 by ties to even
-    FakeModule dm;
+    test::TFitSourceDouble dm;
     dm.Limits = LimRec(0, 0, 0, 0);
     l.S.SetFullScreen(dm, Rect(0, 0, 400, 300));
     EXPECT_EQ((TPoint{38, 38}), l.S.VPHome());

@@ -10,10 +10,11 @@ namespace {
 
 class Creator : public ToolFixture {};
 
-// An object class other than the default, to tell the choice apart.
-class TOtherObj : public TSquareObj {
+// An object class other than the default, to tell the choice apart: only a class of its own can be
+// told apart by `dynamic_cast`.
+class TOtherObj : public TTestObject {
 public:
-    using TSquareObj::TSquareObj;
+    using TTestObject::TTestObject;
 };
 
 TEST_F(Creator, ACreatorStartsWithAPlainGeneratorTheCrossCursorAndOwnObjects) {
@@ -111,7 +112,7 @@ TEST_F(Creator, TheBoxCreatesObjectsByToolID) {
 TEST_F(Creator, CreateObjectUsesTheDefaultClassAndCountsTheInstance) {
     auto* c = AddTool<TSquareCreator>();
     std::unique_ptr<TvlObject> o(c->CreateObject());
-    EXPECT_NE(dynamic_cast<TSquareObj*>(o.get()), nullptr);
+    EXPECT_NE(dynamic_cast<TTestObject*>(o.get()), nullptr);
     EXPECT_EQ(dynamic_cast<TOtherObj*>(o.get()), nullptr);
     EXPECT_EQ(o->Tool(), c);
     EXPECT_EQ(o->ID(), 0); // no number yet
@@ -158,7 +159,7 @@ TEST_F(Creator, AClickMakesANumberedVisibleObjectInTheGeneratorsLayer) {
     EXPECT_EQ(DataMod->Object(0)->GetPos(), Point(40, 50));
     EXPECT_EQ(DataMod->Object(0)->ID(), 1);
     EXPECT_EQ(DataMod->Object(1)->ID(), 2);
-    EXPECT_EQ(DataMod->Counters[4], 2);
+    EXPECT_EQ(DataMod->CounterValues[4], 2);
     EXPECT_EQ(DataMod->Layers, (std::vector<std::int32_t>{3, 3}));
     EXPECT_TRUE(DataMod->Object(0)->GetVisible());
 }
@@ -196,7 +197,7 @@ TEST_F(Creator, AClickFlushesTheRestoreRectToTheWindow) {
     QTest::mouseClick(Window(), Qt::LeftButton, {}, InWindow(40, 50));
     EXPECT_EQ(DataMod->FRestoreRect.Xmin, 0x7FFFFFFF); // emptied by the flush
     ASSERT_EQ(DataMod->Objects.size(), 1u);
-    EXPECT_EQ(static_cast<TSquareObj*>(DataMod->Object(0))->Invalidations, 1);
+    EXPECT_EQ(static_cast<TTestObject*>(DataMod->Object(0))->Invalidations, 1);
 }
 
 TEST_F(Creator, OnObjectSetDataReplacesTheDefaultData) {
@@ -251,7 +252,7 @@ TEST_F(Creator, CreateSlaveMakesANumberedVisibleObjectInTheModuleAndInvalidatesI
     EXPECT_EQ(DataMod->Layers[1], 2);
     EXPECT_EQ(slave->ID(), 2); // both generators draw from counter 0
     EXPECT_TRUE(slave->GetVisible());
-    EXPECT_EQ(static_cast<TSquareObj*>(slave)->Invalidations, 1);
+    EXPECT_EQ(static_cast<TTestObject*>(slave)->Invalidations, 1);
     EXPECT_EQ(slaves->DefaultData, 1);
 }
 
@@ -264,7 +265,7 @@ TEST_F(Creator, ASlaveHiddenInOnObjectSetDataIsInTheModuleButNotInvalidated) {
     ASSERT_EQ(DataMod->Objects.size(), 2u);
     EXPECT_EQ(DataMod->Object(1), slave);
     EXPECT_FALSE(slave->GetVisible());
-    EXPECT_EQ(static_cast<TSquareObj*>(slave)->Invalidations, 0);
+    EXPECT_EQ(static_cast<TTestObject*>(slave)->Invalidations, 0);
 }
 
 TEST_F(Creator, CreateSlaveAtPlacesTheSlaveFromTheMastersCorner) {
@@ -279,7 +280,8 @@ TEST_F(Creator, ASlaveRefusedByTheModuleIsFreedAndTheErrorRaised) {
     auto* slaves = AddTool<TSquareCreator>();
     auto* plain = new TEmptyDataMod(Form.get());
     Box->SetDataModule(plain);
-    TSquareObj master(nullptr);
+    TTestObject master;
+    MakeSquare(master);
     EXPECT_THROW(slaves->CreateSlave(&master), Exception);
     EXPECT_EQ(slaves->Generator()->Instance(), 0);
 }

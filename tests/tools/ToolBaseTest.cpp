@@ -212,7 +212,8 @@ TEST_F(ToolBase, CursorSetWhileCurrentTakesEffectAtTheNextObjectRelease) {
     LoadForm();
     a->SetCursor(crSizeAll);
     EXPECT_EQ(Box->Cursor(), crDefault);
-    TSquareObj obj(nullptr);
+    TTestObject obj;
+    MakeSquare(obj);
     a->ObjectRelease(&obj);
     EXPECT_EQ(Box->Cursor(), crSizeAll);
 }
@@ -223,7 +224,8 @@ TEST_F(ToolBase, AnAssignedReleaseEventTakesOverTheCursor) {
     Box->SetCursor(crHourGlass);
     TvlObject* released = nullptr;
     a->OnObjectRelease = [&](TvlObject* o) { released = o; };
-    TSquareObj obj(nullptr);
+    TTestObject obj;
+    MakeSquare(obj);
     a->ObjectRelease(&obj);
     EXPECT_EQ(released, &obj);
     EXPECT_EQ(Box->Cursor(), crHourGlass);
@@ -349,10 +351,11 @@ TEST_F(ToolBase, AButtonWithoutHandlerRunsItsAction) {
 
 class ToolMouseFnd : public ToolFixture {
 protected:
-    TSquareObj* AddSquare(const std::string& Name, int X, int Y) {
-        auto* o = new TSquareObj(nullptr);
+    TTestObject* AddSquare(const std::string& Name, int X, int Y) {
+        auto* o = new TTestObject();
+        MakeSquare(*o);
         o->Name = Name;
-        o->FoundLog = &Log;
+        o->HitLog = &Log;
         o->SetPos(Point(X, Y));
         o->SetVisible(true);
         DataMod->Add(o, 0);
@@ -362,8 +365,8 @@ protected:
 
 TEST_F(ToolMouseFnd, TheFirstAcceptedObjectUnderTheMouseIsFound) {
     TLogTool* a = AddLogTool("a");
-    TSquareObj* p = AddSquare("p", 0, 0);
-    TSquareObj* q = AddSquare("q", 100, 100);
+    TTestObject* p = AddSquare("p", 0, 0);
+    TTestObject* q = AddSquare("q", 100, 100);
     a->FindMouseObject(Point(105, 105));
     EXPECT_EQ(a->MouseFnd(), q);
     a->FindMouseObject(Point(3, 3));
@@ -374,7 +377,7 @@ TEST_F(ToolMouseFnd, TheFirstAcceptedObjectUnderTheMouseIsFound) {
 
 TEST_F(ToolMouseFnd, TheToolStaysOnTheOldObjectWithoutANewSearch) {
     TLogTool* a = AddLogTool("a");
-    TSquareObj* p = AddSquare("p", 0, 0);
+    TTestObject* p = AddSquare("p", 0, 0);
     AddSquare("q", 5, 5); // overlaps p at (5..9, 5..9)
     int found = 0;
     a->OnObjectFound = [&](TvlObject*, bool&) { ++found; };
@@ -390,8 +393,8 @@ TEST_F(ToolMouseFnd, TheToolStaysOnTheOldObjectWithoutANewSearch) {
 
 TEST_F(ToolMouseFnd, ARefusedObjectIsPassedOver) {
     TLogTool* a = AddLogTool("a");
-    TSquareObj* p = AddSquare("p", 0, 0);
-    TSquareObj* q = AddSquare("q", 0, 0);
+    TTestObject* p = AddSquare("p", 0, 0);
+    TTestObject* q = AddSquare("q", 0, 0);
     a->OnObjectFound = [&](TvlObject* o, bool& accept) { accept = o != p; };
     a->FindMouseObject(Point(1, 1));
     EXPECT_EQ(a->MouseFnd(), q);
@@ -399,8 +402,8 @@ TEST_F(ToolMouseFnd, ARefusedObjectIsPassedOver) {
 
 TEST_F(ToolMouseFnd, TheNewObjectIsAcceptedBeforeTheOldIsReleased) {
     TLogTool* a = AddLogTool("a");
-    TSquareObj* p = AddSquare("p", 0, 0);
-    TSquareObj* q = AddSquare("q", 100, 0);
+    TTestObject* p = AddSquare("p", 0, 0);
+    TTestObject* q = AddSquare("q", 100, 0);
     a->OnObjectFound = [&](TvlObject* o, bool&) { Log.push_back(o == p ? "found p" : "found q"); };
     a->OnObjectRelease = [&](TvlObject* o) { Log.push_back(o == p ? "release p" : "release q"); };
     a->FindMouseObject(Point(1, 1));
@@ -412,7 +415,7 @@ TEST_F(ToolMouseFnd, TheNewObjectIsAcceptedBeforeTheOldIsReleased) {
 
 TEST_F(ToolMouseFnd, LeavingAnObjectForEmptySpaceReleasesIt) {
     TLogTool* a = AddLogTool("a");
-    TSquareObj* p = AddSquare("p", 0, 0);
+    TTestObject* p = AddSquare("p", 0, 0);
     std::vector<TvlObject*> released;
     a->OnObjectRelease = [&](TvlObject* o) { released.push_back(o); };
     a->FindMouseObject(Point(1, 1));
@@ -425,7 +428,7 @@ TEST_F(ToolMouseFnd, MouseFndSetByOneToolIsStillThereWhenTheNextIsActivated) {
     TLogTool* a = AddLogTool("a", true);
     TLogTool* b = AddLogTool("b");
     LoadForm();
-    TSquareObj* p = AddSquare("p", 0, 0);
+    TTestObject* p = AddSquare("p", 0, 0);
     a->FindMouseObject(Point(1, 1));
     b->Activate(nullptr);
     EXPECT_EQ(b->MouseFnd(), p);
@@ -434,7 +437,8 @@ TEST_F(ToolMouseFnd, MouseFndSetByOneToolIsStillThereWhenTheNextIsActivated) {
 
 TEST_F(ToolMouseFnd, ObjectFoundAcceptsWithoutAnEvent) {
     TLogTool* a = AddLogTool("a");
-    TSquareObj obj(nullptr);
+    TTestObject obj;
+    MakeSquare(obj);
     EXPECT_TRUE(a->ObjectFound(&obj));
     a->OnObjectFound = [](TvlObject*, bool& accept) { accept = false; };
     EXPECT_FALSE(a->ObjectFound(&obj));
@@ -445,7 +449,9 @@ TEST_F(ToolMouseFnd, DataModuleAndRestoreRectAreTheBoxsModulesReadAnew) {
     EXPECT_EQ(a->DataModule(), DataMod);
     EXPECT_EQ(a->RestoreRect(), &DataMod->FRestoreRect);
     EXPECT_EQ(a->MarkCase(), &DataMod->MarkCase());
-    auto* other = new TToolDataMod(Form.get());
+    auto* other = new TStandInStore(Form.get());
+    other->Marking = TStandInMarks::Listed;
+    other->TakesAdds = true;
     Box->SetDataModule(other);
     EXPECT_EQ(a->DataModule(), other);
     EXPECT_EQ(a->MarkCase(), &other->MarkCase());

@@ -1,14 +1,16 @@
-// Shared pieces of the tool tests: a form with a shown draw box, a data module that holds objects,
-// an object with a square hot area, and tools that log what happens to them.
+// Shared pieces of the tool tests: a form with a shown draw box, a stand-in store that takes the
+// objects added to it, square test objects and their creator, and tools that log what happens to them.
 #pragma once
 
 #include "objects/TvlObject.h"
-#include "platform/services/ServiceDoubles.h"
-#include "platform/services/Services.h"
 #include "platform/window/Buttons.h"
 #include "platform/window/Controls.h"
 #include "store/DataModBase.h"
 #include "support/FormFixture.h"
+#include "support/InputHelpers.h"
+#include "support/ObjectDoubles.h"
+#include "support/ServiceBundle.h"
+#include "support/StoreDoubles.h"
 #include "surface/Drawbox.h"
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
@@ -22,7 +24,6 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -32,68 +33,14 @@ namespace vl::test {
 // One shared log of what tools and objects did, in order.
 using TLog = std::vector<std::string>;
 
-// An object whose hot area is the square of `Size` units from its position; it logs its
-// invalidations and still grows the restore rect as every object does.
-class TSquareObj : public TvlObject {
-public:
-    explicit TSquareObj(TvlCreator* ATool) : TvlObject(ATool) {}
-    std::int32_t GetWidth() override { return Size; }
-    std::int32_t GetHeight() override { return Size; }
-    bool Found(const TLimRec& R) override {
-        if (FoundLog) FoundLog->push_back(Name + ".Found");
-        const TLimRec l = GetLimits();
-        return Visible() && R.Xmin < l.Xmax && R.Xmax > l.Xmin && R.Ymin < l.Ymax && R.Ymax > l.Ymin;
-    }
-    void Invalidate() override {
-        ++Invalidations;
-        TvlObject::Invalidate();
-    }
-    static inline std::int32_t Size = 10;
-    int Invalidations = 0;
-    std::string Name;
-    TLog* FoundLog = nullptr;
-};
-
-// A data module that owns its objects in z-order, keeps counters and records backups and adds.
-class TToolDataMod : public TvlDataMod {
-public:
-    explicit TToolDataMod(TComponent* AOwner) : TvlDataMod(AOwner) {}
-
-    TLimRec GetLimits() override {
-        TLimRec l = EmptyLimRec;
-        for (const auto& o : Objects) {
-            const TLimRec r = o->GetLimits();
-            l.Xmin = std::min(l.Xmin, r.Xmin);
-            l.Ymin = std::min(l.Ymin, r.Ymin);
-            l.Xmax = std::max(l.Xmax, r.Xmax);
-            l.Ymax = std::max(l.Ymax, r.Ymax);
-        }
-        return l;
-    }
-    void AllObjects(const TAllObjectsProc& Action, void* Params) override {
-        for (std::size_t i = 0; i < Objects.size(); ++i) Action(Objects[i].get(), Params);
-    }
-    void InitLimits() override {}
-    bool Empty() override { return Objects.empty(); }
-    void LoadFromFile(const QString&) override {}
-    void SaveToFile(const QString&) override {}
-    int MarkCount() const override { return 0; }
-    TvlObject* Marked(int) const override { return nullptr; }
-    void UnSelect(TvlObject*) override {}
-    std::uint16_t IncCounter(std::uint16_t Counter) override { return ++Counters[Counter]; }
-    void Add(TvlObject* AObject, std::int32_t Layer) override {
-        Objects.emplace_back(AObject);
-        Layers.push_back(Layer);
-    }
-    void Backup(TBackupMode Mode) override { Backups.push_back(Mode); }
-
-    TvlObject* Object(std::size_t I) const { return Objects.at(I).get(); }
-
-    std::vector<std::unique_ptr<TvlObject>> Objects;
-    std::vector<std::int32_t> Layers;
-    std::vector<TBackupMode> Backups;
-    std::map<std::uint16_t, std::uint16_t> Counters;
-};
+// Makes `O` a square of 10 units from its position whose hot area is that square, as the tool tests'
+// objects are; a master given to it is ignored.
+inline void MakeSquare(TTestObject& O) {
+    O.W = 10;
+    O.H = 10;
+    O.HitByLimits = true;
+    O.FollowsMaster = false;
+}
 
 // A plain tool that logs its activation and termination by name, and the sender of `Activate`.
 class TLogTool : public TSaveTool {
@@ -129,28 +76,22 @@ private:
 
 // A creator that makes one square object per click, the way point creators register theirs, and
 // remembers the position it was given.
-class TSquareCreator : public TvlCreator {
+class TSquareCreator : public TTestCreator {
 public:
-    explicit TSquareCreator(TComponent* AOwner) : TvlCreator(AOwner) {}
-    TCapClass DefaultClass() override { return &NewObjectOf<TSquareObj>; }
-    TvlObject* SetNewObj(const TPoint& CurPos) override {
-        Given.push_back(CurPos);
-        return PlaceNewObject(CurPos);
+    explicit TSquareCreator(TComponent* AOwner) : TTestCreator(AOwner) {
+        PlacesOnClick = true;
+        PrepareObject = MakeSquare;
     }
-    void SetDefaultData(TvlObject*) override { ++DefaultData; }
-    std::vector<TPoint> Given;
-    int DefaultData = 0;
 };
 
 // A form with one draw box (pixels as logical units, origin top left) and a data module.
-class ToolFixture : public FormFixture {
+class ToolFixture : public FormFixture, public TServiceBundle {
 protected:
     void SetUp() override {
-        NewForm(Bounds(0, 0, 400, 300));
-        Box = NewBox(Rect(10, 10, 310, 210));
-        Box->SetColor(clWhite);
-        Box->ScaleSetting().SetMinUnit(TLenUnits::Pixel);
-        DataMod = new TToolDataMod(Form.get());
+        Box = NewPixelBoxForm();
+        DataMod = new TStandInStore(Form.get());
+        DataMod->Marking = TStandInMarks::Listed;
+        DataMod->TakesAdds = true;
         DataMod->SetName(QStringLiteral("Data1"));
         DataMod->FDrawForm = Box;
         Box->SetDataModule(DataMod);
@@ -174,24 +115,14 @@ protected:
         if (Default) tool->SetOptions(TToolOptions{toDefaultTool});
         return tool;
     }
-    QPoint InWindow(int X, int Y) const {
-        const int b = Box->BorderWidth();
-        return Box->Widget()->mapTo(Form->Widget(), QPoint(X + b, Y + b));
-    }
+    QPoint InWindow(int X, int Y) const { return ClientInWindow(*Box, X, Y); }
+    // A press and release of `Button` at a client point of the box, and the events that follow.
     void Press(Qt::MouseButton Button, int X, int Y) {
-        QTest::mousePress(Window(), Button, {}, InWindow(X, Y));
-        QTest::mouseRelease(Window(), Button, {}, InWindow(X, Y));
+        Click(Window(), InWindow(X, Y), Button);
         Settle();
     }
-
-    TErrorServiceDouble Errors;
-    TServiceScope<TErrorService> ErrorScope{Errors};
-    TMessageServiceDouble Dialogs;
-    TServiceScope<TMessageService> DialogScope{Dialogs};
-    TCursorServiceDouble Cursor;
-    TServiceScope<TCursorService> CursorScope{Cursor};
     TvlDrawbox* Box = nullptr;
-    TToolDataMod* DataMod = nullptr;
+    TStandInStore* DataMod = nullptr;
     TLog Log;
 };
 

@@ -2,6 +2,7 @@
 // boundary, pending mouse moves and the cursor cage.
 
 #include "WinTestSupport.h"
+#include "support/InputHelpers.h"
 
 #include <QKeyEvent>
 #include <QMimeData>
@@ -23,9 +24,7 @@ TEST_F(WinInput, MouseDownMoveUpCarryButtonShiftAndClientPosition) {
     Control->OnMouseUp = [&](TObject*, TMouseButton b, TShiftState s, int x, int y) {
         seen.emplace_back('u', b, s, x, y);
     };
-    QTest::mousePress(Window(), Qt::LeftButton, Qt::ShiftModifier, InWindow(30, 40));
-    QTest::mouseMove(Window(), InWindow(35, 45));
-    QTest::mouseRelease(Window(), Qt::LeftButton, Qt::ShiftModifier, InWindow(35, 45));
+    Drag(Window(), InWindow(30, 40), InWindow(35, 45), Qt::LeftButton, Qt::ShiftModifier);
     // Qt may report the arrival of the pointer as a move before the press.
     while (!seen.empty() && std::get<0>(seen.front()) == 'm') seen.erase(seen.begin());
     ASSERT_GE(seen.size(), 3u);
@@ -40,8 +39,7 @@ TEST_F(WinInput, MouseDownMoveUpCarryButtonShiftAndClientPosition) {
 TEST_F(WinInput, RightAndMiddleButtonsWithCtrlAndAlt) {
     QTest::mousePress(Window(), Qt::RightButton, Qt::ControlModifier | Qt::AltModifier, InWindow(5, 6));
     QTest::mouseRelease(Window(), Qt::RightButton, {}, InWindow(5, 6));
-    QTest::mousePress(Window(), Qt::MiddleButton, {}, InWindow(7, 8));
-    QTest::mouseRelease(Window(), Qt::MiddleButton, {}, InWindow(7, 8));
+    Click(Window(), InWindow(7, 8), Qt::MiddleButton);
     EXPECT_EQ(Control->MouseMessages(),
               (std::vector<std::uint32_t>{WM_RBUTTONDOWN, WM_RBUTTONUP, WM_MBUTTONDOWN, WM_MBUTTONUP}));
     EXPECT_EQ(Control->Of(WM_RBUTTONDOWN)[0].Shift, ssCtrl | ssAlt | ssRight);
@@ -148,11 +146,7 @@ TEST_F(WinInput, PressOnAControlThatCannotTakeTheFocusIsDropped) {
     Settle();
     // Another window is active: the form's controls cannot get the focus.
     QWidget other;
-    other.resize(50, 50);
-    other.show();
-    other.activateWindow();
-    QApplication::setActiveWindow(&other);
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    ASSERT_NO_FATAL_FAILURE(ActivateOtherWindow(other));
     int hostDowns = 0;
     box->OnMouseDown = [&](TObject*, TMouseButton, TShiftState, int, int) { ++hostDowns; };
     QMouseEvent press(QEvent::MouseButtonPress, QPointF(5, 5), box->Widget()->mapToGlobal(QPointF(5, 5)),

@@ -2,6 +2,7 @@
 // and the device-pixel ratio.
 
 #include "WinTestSupport.h"
+#include "support/InputHelpers.h"
 
 #include "platform/window/Surface.h"
 
@@ -271,8 +272,7 @@ TEST_F(WinSurface, AtRatioTwoTheSurfaceHasPhysicalPixelsAndMouseIsConverted) {
     Control->Canvas().SetPixels(21, 30, clBlack);
     EXPECT_TRUE(Control->Surface().Blit().contains(QPoint(21, 30)));
     Control->Messages.clear();
-    QTest::mousePress(Window(), Qt::LeftButton, {}, InWindow(10, 15));
-    QTest::mouseRelease(Window(), Qt::LeftButton, {}, InWindow(10, 15));
+    Click(Window(), InWindow(10, 15));
     const auto presses = Control->Of(WM_LBUTTONDOWN);
     ASSERT_EQ(presses.size(), 1u);
     EXPECT_EQ(presses[0].Pos, Point(20, 30));

@@ -110,12 +110,7 @@ protected:
     // The colour of a surface pixel (0xRRGGBB).
     QRgb SurfacePixel(int X, int Y) const { return Control->Surface().Image().pixel(X, Y) & 0xFFFFFF; }
     // The colour on the screen at a client pixel: what reached the window's backing store.
-    QRgb ScreenPixel(int X, int Y) const {
-        const QPoint p = InWindow(X, Y);
-        const QImage shot =
-            Form->Widget()->screen()->grabWindow(Form->Widget()->winId(), p.x(), p.y(), 1, 1).toImage();
-        return shot.pixel(0, 0) & 0xFFFFFF;
-    }
+    QRgb ScreenPixel(int X, int Y) const { return WindowPixel(InWindow(X, Y)); }
 
     TErrorServiceDouble Errors;
     TServiceScope<TErrorService> ErrorScope{Errors};

@@ -86,16 +86,16 @@ TEST_F(BoxCore, LoadedInstallsADataModuleOfItsOwnWhenThereIsNone) {
 }
 
 TEST_F(BoxCore, LoadedUsesTheFactoryOfTheStore) {
-    DataModuleFactory = [](TComponent* Owner) { return new TStandInDataMod(Owner); };
+    DataModuleFactory = [](TComponent* Owner) { return NewListedStore(Owner); };
     TvlDrawbox* box = MakeBox(QStringLiteral("Box1"));
     LoadForm();
     DataModuleFactory = nullptr;
-    EXPECT_NE(dynamic_cast<TStandInDataMod*>(box->DataModule()), nullptr);
+    EXPECT_NE(dynamic_cast<TStandInStore*>(box->DataModule()), nullptr);
 }
 
 TEST_F(BoxCore, LoadedKeepsAnEmptyHostDataModule) {
     TvlDrawbox* box = MakeBox(QStringLiteral("Box1"));
-    auto* dm = new TStandInDataMod(Form.get());
+    auto* dm = NewListedStore(Form.get());
     dm->FDrawForm = box;
     box->SetDataModule(dm);
     LoadForm();
@@ -105,8 +105,8 @@ TEST_F(BoxCore, LoadedKeepsAnEmptyHostDataModule) {
 
 TEST_F(BoxCore, LoadedPassesOverAHostDataModuleThatHoldsObjects) {
     TvlDrawbox* box = MakeBox(QStringLiteral("Box1"));
-    auto* dm = new TStandInDataMod(Form.get());
-    dm->Add(std::make_unique<TStandInObject>("a", LimRec(0, 0, 10, 10)));
+    auto* dm = NewListedStore(Form.get());
+    dm->Hold(TTestObject::BareRect("a", LimRec(0, 0, 10, 10)));
     box->SetDataModule(dm);
     LoadForm();
     EXPECT_NE(box->DataModule(), dm);
@@ -115,7 +115,7 @@ TEST_F(BoxCore, LoadedPassesOverAHostDataModuleThatHoldsObjects) {
 
 TEST_F(BoxCore, LoadedReplacesADataModuleWhoseTestFails) {
     TvlDrawbox* box = MakeBox(QStringLiteral("Box1"));
-    auto* dm = new TStandInDataMod(Form.get());
+    auto* dm = NewListedStore(Form.get());
     dm->ThrowOnEmpty = true;
     box->SetDataModule(dm);
     LoadForm();
@@ -133,7 +133,7 @@ TEST_F(BoxCore, TheOwnDataModuleGoesWithTheBox) {
 
 TEST_F(BoxCore, AHostDataModuleThatGoesIsForgotten) {
     TvlDrawbox* box = MakeBox(QStringLiteral("Box1"));
-    auto* dm = new TStandInDataMod(Form.get());
+    auto* dm = NewListedStore(Form.get());
     box->SetDataModule(dm);
     LoadForm();
     delete dm;
@@ -231,22 +231,15 @@ TEST_F(BoxCore, ResizeRenewsTheCursorCageForAScrollingTool) {
 
 // --- Invalidation ------------------------------------------------------------------------------
 
-class BoxInvalidate : public BoxFixture {
+class BoxInvalidate : public StoredBoxFixture {
 protected:
     void SetUp() override {
-        BoxFixture::SetUp();
-        Box = MakeBox(QStringLiteral("Box1"));
-        Box->ScaleSetting().SetMinUnit(TLenUnits::Pixel);
-        Dm = new TStandInDataMod(Form.get());
-        Dm->FDrawForm = Box;
-        Box->SetDataModule(Dm);
+        StoredBoxFixture::SetUp();
         ShowForm();
         LoadForm();
         Box->Update();
         ASSERT_TRUE(Box->Surface().Invalid().isEmpty());
     }
-    TvlDrawbox* Box = nullptr;
-    TStandInDataMod* Dm = nullptr;
 };
 
 TEST_F(BoxInvalidate, ARestoreRectIsInvalidatedInDevicePixelsWithErase) {
@@ -300,8 +293,8 @@ TEST_F(BoxInvalidate, InvalidateBoxInvalidatesTheWholeClientArea) {
 
 TEST_F(BoxInvalidate, MoveObjectsMovesTheMarkedWithInvalidationAndUnselects) {
     std::vector<std::string> log;
-    auto* a = Dm->Add(std::make_unique<TStandInObject>("a", LimRec(0, 0, 10, 10), &log));
-    auto* b = Dm->Add(std::make_unique<TStandInObject>("b", LimRec(0, 0, 10, 10), &log));
+    auto* a = Dm->Hold(TTestObject::BareRect("a", LimRec(0, 0, 10, 10), &log));
+    auto* b = Dm->Hold(TTestObject::BareRect("b", LimRec(0, 0, 10, 10), &log));
     Dm->Marks = {b, a};
     Box->Grid().SetIncHorz(10);
     Box->Grid().SetIncVert(10);
@@ -311,7 +304,7 @@ TEST_F(BoxInvalidate, MoveObjectsMovesTheMarkedWithInvalidationAndUnselects) {
     EXPECT_EQ(ActScaleSet, &Box->ScaleSetting());
     EXPECT_EQ(log, (std::vector<std::string>{"b.Invalidate", "b.MovePos", "b.Invalidate", "a.Invalidate",
                                              "a.MovePos", "a.Invalidate"}));
-    EXPECT_EQ(a->Lim(), LimRec(10, 30, 20, 40));
+    EXPECT_EQ(*a->Lims, LimRec(10, 30, 20, 40));
     ASSERT_EQ(Dm->UnSelects.size(), 1u);
     EXPECT_EQ(Dm->UnSelects[0], nullptr);
 }
@@ -335,21 +328,21 @@ TEST_F(BoxInvalidate, CanCloseUnlessTheModuleLoadsOrSaves) {
 // --- Tools and creators ------------------------------------------------------------------------
 
 TEST_F(BoxCore, FindCreatorByIdTakesTheLastCreatorOfANegativeId) {
-    new TStandInCreator(Form.get(), -5);
-    auto* second = new TStandInCreator(Form.get(), -5);
-    new TStandInCreator(Form.get(), -6);
+    new TTestCreator(Form.get(), -5);
+    auto* second = new TTestCreator(Form.get(), -5);
+    new TTestCreator(Form.get(), -6);
     EXPECT_EQ(FindCreatorByID(Form.get(), -5), second);
     EXPECT_EQ(FindCreatorByID(Form.get(), -7), nullptr);
 }
 
 TEST_F(BoxCore, FindCreatorByIdComparesNegativeIdsAsSixteenBits) {
-    auto* c = new TStandInCreator(Form.get(), -1);
+    auto* c = new TTestCreator(Form.get(), -1);
     EXPECT_EQ(FindCreatorByID(Form.get(), -65537), c);
 }
 
 TEST_F(BoxCore, FindCreatorByIdTakesAnIndexOfZeroOrMore) {
     std::vector<TCall> log;
-    auto* c0 = new TStandInCreator(Form.get(), -3);
+    auto* c0 = new TTestCreator(Form.get(), -3);
     auto* t1 = new TRecordingTool(Form.get(), log);
     EXPECT_EQ(FindCreatorByID(Form.get(), 0), c0);
     EXPECT_EQ(FindCreatorByID(Form.get(), 1), nullptr); // a tool, not a creator
@@ -361,9 +354,9 @@ TEST_F(BoxCore, FindCreatorByIdTakesAnIndexOfZeroOrMore) {
 
 TEST_F(BoxCore, CreateObjectAsksTheCreatorOfTheId) {
     TvlDrawbox* box = MakeBox(QStringLiteral("Box1"));
-    new TStandInCreator(Form.get(), -9);
+    new TTestCreator(Form.get(), -9);
     std::unique_ptr<TBoxObject> obj(box->CreateObject(-9));
-    EXPECT_NE(dynamic_cast<TStandInObject*>(obj.get()), nullptr);
+    EXPECT_NE(dynamic_cast<TTestObject*>(obj.get()), nullptr);
     EXPECT_THROW(box->CreateObject(-10), Exception);
 }
 
@@ -371,15 +364,15 @@ TEST_F(BoxCore, WithToolsDoWalksTheBoxsToolsUntilTheFlagIsSet) {
     std::vector<TCall> log;
     TvlDrawbox* box = MakeBox(QStringLiteral("Box1"));
     TvlDrawbox* other = MakeBox(QStringLiteral("Box2"), Rect(320, 10, 620, 210));
-    auto* c1 = new TStandInCreator(Form.get());
+    auto* c1 = new TTestCreator(Form.get());
     c1->FDrawForm = box;
     auto* t = new TRecordingTool(Form.get(), log);
     t->FDrawForm = box;
-    auto* c2 = new TStandInCreator(Form.get());
+    auto* c2 = new TTestCreator(Form.get());
     c2->FDrawForm = other;
-    auto* c3 = new TStandInCreator(Form.get());
+    auto* c3 = new TTestCreator(Form.get());
     c3->FDrawForm = box;
-    auto* c4 = new TStandInCreator(Form.get());
+    auto* c4 = new TTestCreator(Form.get());
     c4->FDrawForm = box;
     std::vector<TComponent*> seen;
     box->WithToolsDo(&TCustomDrawBox::Creators, [&](TComponent* c, bool& done) {

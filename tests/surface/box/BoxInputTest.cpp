@@ -2,6 +2,7 @@
 // dispatch to the host's events and the current tool in their order.
 
 #include "BoxTestSupport.h"
+#include "support/InputHelpers.h"
 
 namespace vl::test {
 namespace {
@@ -10,8 +11,7 @@ class BoxInput : public BoxFixture {
 protected:
     void SetUp() override {
         BoxFixture::SetUp();
-        Box = MakeBox(QStringLiteral("Box1"));
-        Box->ScaleSetting().SetMinUnit(TLenUnits::Pixel); // one logical unit is one pixel
+        Box = MakePixelBox();
         HookHost(Box);
     }
     TRecordingTool* AddDefaultTool(TvlDrawbox* B) {
@@ -66,9 +66,7 @@ TEST_F(BoxInput, ABoxWithoutToolsPaintsButItsHostMouseEventsDoNotFire) {
     Box->InvalidateBox();
     Settle();
     EXPECT_GE(paints, 1);
-    QTest::mousePress(Window(), Qt::LeftButton, {}, InWindow(Box, 20, 30));
-    QTest::mouseMove(Window(), InWindow(Box, 25, 35));
-    QTest::mouseRelease(Window(), Qt::LeftButton, {}, InWindow(Box, 25, 35));
+    Drag(Window(), InWindow(Box, 20, 30), InWindow(Box, 25, 35));
     EXPECT_TRUE(Log.empty());
 }
 
@@ -156,11 +154,7 @@ TEST_F(BoxInput, APressOnABoxThatCannotTakeTheFocusDoesNothing) {
     LoadForm();
     // Another window is active: the box's window can't give it the focus.
     QWidget other;
-    other.resize(50, 50);
-    other.show();
-    other.activateWindow();
-    QApplication::setActiveWindow(&other);
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    ASSERT_NO_FATAL_FAILURE(ActivateOtherWindow(other));
     ASSERT_FALSE(Box->Focused());
     QTest::mousePress(Window(), Qt::LeftButton, {}, InWindow(Box, 15, 15));
     QTest::mousePress(Window(), Qt::RightButton, {}, InWindow(Box, 15, 15));
@@ -174,9 +168,7 @@ TEST_F(BoxInput, PressesAreDroppedWhileAnAutoscrollRunsButReleasesAreNot) {
     ShowForm();
     LoadForm();
     Box->State.Include(bsToolScroll);
-    QTest::mousePress(Window(), Qt::LeftButton, {}, InWindow(Box, 15, 15));
-    QTest::mouseMove(Window(), InWindow(Box, 18, 18));
-    QTest::mouseRelease(Window(), Qt::LeftButton, {}, InWindow(Box, 18, 18));
+    Drag(Window(), InWindow(Box, 15, 15), InWindow(Box, 18, 18));
     Box->State.Exclude(bsToolScroll);
     EXPECT_EQ(Names(), (std::vector<std::string>{"host.MouseUp", "LMouseUp"}));
 }
@@ -185,8 +177,7 @@ TEST_F(BoxInput, KeysRunTheHostThenTheToolAndTabReachesTheBox) {
     AddDefaultTool(Box);
     ShowForm();
     LoadForm();
-    QTest::mousePress(Window(), Qt::LeftButton, {}, InWindow(Box, 15, 15));
-    QTest::mouseRelease(Window(), Qt::LeftButton, {}, InWindow(Box, 15, 15));
+    Click(Window(), InWindow(Box, 15, 15));
     ASSERT_TRUE(Box->Focused());
     Log.clear();
     QTest::keyClick(Window(), Qt::Key_Tab);
@@ -213,10 +204,8 @@ TEST_F(BoxInput, TwoBoxesEachMakeTheirScaleSettingCurrentAtEachEvent) {
     AddDefaultTool(other);
     ShowForm();
     LoadForm();
-    QTest::mousePress(Window(), Qt::LeftButton, {}, InWindow(Box, 15, 15));
-    QTest::mouseRelease(Window(), Qt::LeftButton, {}, InWindow(Box, 15, 15));
-    QTest::mousePress(Window(), Qt::LeftButton, {}, InWindow(other, 15, 15));
-    QTest::mouseRelease(Window(), Qt::LeftButton, {}, InWindow(other, 15, 15));
+    Click(Window(), InWindow(Box, 15, 15));
+    Click(Window(), InWindow(other, 15, 15));
     QTest::mousePress(Window(), Qt::LeftButton, {}, InWindow(Box, 16, 16));
     std::vector<TScaleSetting*> seen;
     for (const TCall& c : Log)

@@ -5,42 +5,27 @@
 namespace vl::test {
 namespace {
 
-class BoxPaint : public BoxFixture {
+class BoxPaint : public StoredBoxFixture {
 protected:
-    void SetUp() override {
-        BoxFixture::SetUp();
-        Box = MakeBox(QStringLiteral("Box1"));
-        Box->ScaleSetting().SetMinUnit(TLenUnits::Pixel); // one logical unit is one pixel
-        Dm = new TStandInDataMod(Form.get());
-        Dm->FDrawForm = Box;
-        Box->SetDataModule(Dm);
-    }
     // Loads the form (a module that holds objects at load time would be passed over, so objects
     // are added after this) and runs the first paint.
     void Start() {
         ShowForm();
         LoadForm();
-        Box->InvalidateBox();
-        Box->Update();
+        Repaint();
     }
-    void Repaint() {
-        Box->InvalidateBox();
-        Box->Update();
-    }
-    TvlDrawbox* Box = nullptr;
-    TStandInDataMod* Dm = nullptr;
 };
 
 TEST_F(BoxPaint, DrawsGridBeforePaintRulersObjectsAfterPaintInThisOrder) {
     std::vector<std::string> log;
-    auto* creator = new TStandInCreator(Form.get());
+    auto* creator = new TTestCreator(Form.get());
     creator->FDrawForm = Box;
     Box->Grid().SetIncHorz(50);
     Box->Grid().SetIncVert(50);
     Box->Grid().Pen().SetColor(clBlue);
     Box->Grid().SetVisible(true);
-    Box->SetScaleHorz(std::make_unique<TStandInObject>("rulerH", LimRec(0, 0, 300, 5), &log));
-    Box->SetScaleVert(std::make_unique<TStandInObject>("rulerV", LimRec(0, 0, 5, 200), &log));
+    Box->SetScaleHorz(TTestObject::BareRect("rulerH", LimRec(0, 0, 300, 5), &log));
+    Box->SetScaleVert(TTestObject::BareRect("rulerV", LimRec(0, 0, 5, 200), &log));
     Box->BeforePaint = [&](TObject*) {
         // The grid is on the surface already: the line at x = 50 is in the grid's colour.
         log.push_back(SurfacePixel(Box, 50, 120) == 0x0000FF ? "BeforePaint(grid drawn)"
@@ -48,8 +33,8 @@ TEST_F(BoxPaint, DrawsGridBeforePaintRulersObjectsAfterPaintInThisOrder) {
     };
     Box->AfterPaint = [&](TObject*) { log.push_back("AfterPaint"); };
     Start();
-    Dm->Add(std::make_unique<TStandInObject>("first", LimRec(60, 60, 80, 80), &log));
-    auto* second = Dm->Add(std::make_unique<TStandInObject>("second", LimRec(70, 70, 90, 90), &log));
+    Dm->Hold(TTestObject::BareRect("first", LimRec(60, 60, 80, 80), &log));
+    auto* second = Dm->Hold(TTestObject::BareRect("second", LimRec(70, 70, 90, 90), &log));
     second->Fill = clLime;
     log.clear();
     const int releases = creator->Releases;
@@ -64,7 +49,7 @@ TEST_F(BoxPaint, DrawsGridBeforePaintRulersObjectsAfterPaintInThisOrder) {
 
 TEST_F(BoxPaint, AnEmptyDataModuleStillRunsBeforePaintRulersAndAfterPaint) {
     std::vector<std::string> log;
-    Box->SetScaleHorz(std::make_unique<TStandInObject>("ruler", LimRec(0, 0, 300, 5), &log));
+    Box->SetScaleHorz(TTestObject::BareRect("ruler", LimRec(0, 0, 300, 5), &log));
     Box->BeforePaint = [&](TObject*) { log.push_back("BeforePaint"); };
     Box->AfterPaint = [&](TObject*) { log.push_back("AfterPaint"); };
     Start();
@@ -89,9 +74,9 @@ TEST_F(BoxPaint, PaintEndsTheScrollFlags) {
 TEST_F(BoxPaint, ObjectsOutsideTheClipAreNotShownButNosyOnesHearOfThePaint) {
     std::vector<std::string> log;
     Start();
-    auto* inside = Dm->Add(std::make_unique<TStandInObject>("inside", LimRec(10, 10, 20, 20), &log));
-    auto* outside = Dm->Add(std::make_unique<TStandInObject>("outside", LimRec(100, 100, 120, 120), &log));
-    auto* hidden = Dm->Add(std::make_unique<TStandInObject>("hidden", LimRec(10, 10, 20, 20), &log));
+    auto* inside = Dm->Hold(TTestObject::BareRect("inside", LimRec(10, 10, 20, 20), &log));
+    auto* outside = Dm->Hold(TTestObject::BareRect("outside", LimRec(100, 100, 120, 120), &log));
+    auto* hidden = Dm->Hold(TTestObject::BareRect("hidden", LimRec(10, 10, 20, 20), &log));
     outside->IsNosy = true;
     hidden->IsNosy = true;
     hidden->IsVisible = false;
@@ -105,10 +90,10 @@ TEST_F(BoxPaint, ObjectsOutsideTheClipAreNotShownButNosyOnesHearOfThePaint) {
 }
 
 TEST_F(BoxPaint, AChangedScaleAdaptsCreatorsAndObjectsOnceAndIsConsumed) {
-    auto* creator = new TStandInCreator(Form.get());
+    auto* creator = new TTestCreator(Form.get());
     creator->FDrawForm = Box;
     Start();
-    auto* obj = Dm->Add(std::make_unique<TStandInObject>("a", LimRec(10, 10, 20, 20)));
+    auto* obj = Dm->Hold(TTestObject::BareRect("a", LimRec(10, 10, 20, 20)));
     const int scalings = creator->Scalings;
     const int adjusted = obj->Adjusted;
     Box->ScaleSetting().State.Include(scChanged);
@@ -128,7 +113,7 @@ TEST_F(BoxPaint, AChangedScaleAdaptsCreatorsAndObjectsOnceAndIsConsumed) {
 
 TEST_F(BoxPaint, LimitsThatChangeDuringThePaintAskForNewRanges) {
     Start();
-    auto* obj = Dm->Add(std::make_unique<TStandInObject>("a", LimRec(10, 10, 20, 20)));
+    auto* obj = Dm->Hold(TTestObject::BareRect("a", LimRec(10, 10, 20, 20)));
     Repaint();
     ASSERT_FALSE(Box->State.Contains(bsNewRange));
     // The object moves while the paint runs, as one whose new font changes its size: the limits kept
@@ -188,7 +173,7 @@ TEST_F(BoxPaint, TwoBoxesEachPaintWithTheirOwnScaleSetting) {
 TEST_F(BoxPaint, ObjectsAreShownWithTheBoxsScaleSettingInForce) {
     TvlDrawbox* other = MakeBox(QStringLiteral("Box2"), Rect(320, 10, 620, 210));
     Start();
-    auto* obj = Dm->Add(std::make_unique<TStandInObject>("a", LimRec(10, 10, 20, 20)));
+    auto* obj = Dm->Hold(TTestObject::BareRect("a", LimRec(10, 10, 20, 20)));
     ActScaleSet = &other->ScaleSetting();
     Repaint();
     EXPECT_EQ(obj->ShownWith, &Box->ScaleSetting());
@@ -199,7 +184,7 @@ TEST_F(BoxPaint, TheFirstPaintRunsPredefineObjectsOnce) {
     int calls = 0;
     Box->OnPredefineObjects = [&](TObject*) {
         ++calls;
-        Dm->Add(std::make_unique<TStandInObject>("predefined", LimRec(0, 0, 4, 4)));
+        Dm->Hold(TTestObject::BareRect("predefined", LimRec(0, 0, 4, 4)));
     };
     Start();
     EXPECT_EQ(calls, 1);

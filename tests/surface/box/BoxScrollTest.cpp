@@ -2,6 +2,7 @@
 // stay put.
 
 #include "BoxTestSupport.h"
+#include "support/InputHelpers.h"
 
 #include "surface/Scl12.h"
 
@@ -308,10 +309,8 @@ TEST_F(BoxScroll, ShiftAltCtrlRightPressShowsTheErrorDialog) {
     ShowForm();
     int hostDowns = 0;
     p->OnMouseDown = [&](TObject*, TMouseButton, TShiftState, int, int) { ++hostDowns; };
-    QTest::mousePress(Window(), Qt::RightButton, Qt::ShiftModifier | Qt::AltModifier | Qt::ControlModifier,
-                      InWindow(p, 20, 20));
-    QTest::mouseRelease(Window(), Qt::RightButton, Qt::ShiftModifier | Qt::AltModifier | Qt::ControlModifier,
-                        InWindow(p, 20, 20));
+    Click(Window(), InWindow(p, 20, 20), Qt::RightButton,
+          Qt::ShiftModifier | Qt::AltModifier | Qt::ControlModifier);
     ASSERT_EQ(Dialogs.Questions.size(), 1u);
     EXPECT_EQ(Dialogs.Questions[0].Msg, QStringLiteral("Tastenkombination nicht möglich!"));
     EXPECT_EQ(Dialogs.Questions[0].DlgType, mtError);
@@ -322,10 +321,8 @@ TEST_F(BoxScroll, ShiftAltCtrlRightPressShowsTheErrorDialog) {
 TEST_F(BoxScroll, ThreeModifiersWithTheLeftButtonShowNoDialog) {
     TScrollPaint* p = MakePaint();
     ShowForm();
-    QTest::mousePress(Window(), Qt::LeftButton, Qt::ShiftModifier | Qt::AltModifier | Qt::ControlModifier,
-                      InWindow(p, 20, 20));
-    QTest::mouseRelease(Window(), Qt::LeftButton, Qt::ShiftModifier | Qt::AltModifier | Qt::ControlModifier,
-                        InWindow(p, 20, 20));
+    Click(Window(), InWindow(p, 20, 20), Qt::LeftButton,
+          Qt::ShiftModifier | Qt::AltModifier | Qt::ControlModifier);
     QTest::mousePress(Window(), Qt::RightButton, Qt::ShiftModifier | Qt::ControlModifier,
                       InWindow(p, 20, 20));
     EXPECT_TRUE(Dialogs.Questions.empty());

@@ -1,12 +1,14 @@
-// Shared stand-ins of the draw box tests: a tool that records what reaches it, creators with chosen
-// IDs, objects that log their paint and a data module that holds them, and a fixture with a form.
+// Shared pieces of the draw box tests: a tool that records what reaches it, the stand-in store with a
+// list of marks, and a fixture with a form.
 #pragma once
 
-#include "platform/services/ServiceDoubles.h"
-#include "platform/services/Services.h"
 #include "platform/window/Controls.h"
 #include "store/DataModBase.h"
 #include "support/FormFixture.h"
+#include "support/InputHelpers.h"
+#include "support/ObjectDoubles.h"
+#include "support/ServiceBundle.h"
+#include "support/StoreDoubles.h"
 #include "surface/Drawbox.h"
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
@@ -19,9 +21,7 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -62,128 +62,16 @@ private:
     std::vector<TCall>& FLog;
 };
 
-class TStandInObject;
-
-// A creator whose ID is chosen by the test (else its index) and that counts its paint-related calls.
-class TStandInCreator : public TvlCreator {
-public:
-    explicit TStandInCreator(TComponent* AOwner, std::optional<std::int16_t> ID = std::nullopt)
-        : TvlCreator(AOwner), FID(ID) {}
-    std::int16_t GetID() override { return FID ? *FID : TvlCreator::GetID(); }
-    TvlObject* CreateObject() override;
-    void CheckScaling() override { ++Scalings; }
-    void ReleaseResources() override { ++Releases; }
-    int Scalings = 0;
-    int Releases = 0;
-
-private:
-    std::optional<std::int16_t> FID;
-};
-
-// An object that fills its limits on the canvas of `ActScaleSet` and logs what it is asked.
-class TStandInObject : public TvlObject {
-public:
-    TStandInObject(std::string Name, TLimRec Lim, std::vector<std::string>* Log = nullptr)
-        : FName(std::move(Name)), FLim(Lim), FLog(Log) {}
-    bool Visible() const override { return IsVisible; }
-    bool CheckFrame(const void* Params, TCheckFrame Mode) override {
-        if (Mode != cfLimRec) return false;
-        const auto& r = *static_cast<const TLimRec*>(Params);
-        return FLim.Xmin <= r.Xmax && FLim.Xmax >= r.Xmin && FLim.Ymin <= r.Ymax && FLim.Ymax >= r.Ymin;
-    }
-    void Show() override {
-        Note("Show");
-        ShownWith = ActScaleSet;
-        if (OnShow) OnShow();
-        if (ActScaleSet && ActScaleSet->Canvas()) {
-            TCanvas& c = *ActScaleSet->Canvas();
-            c.Brush().SetColor(Fill);
-            c.Brush().SetStyle(bsSolid);
-            c.FillRect(Rect(FLim.Xmin, FLim.Ymin, FLim.Xmax, FLim.Ymax));
-        }
-    }
-    bool Nosy() const override { return IsNosy; }
-    void ObjectMessage(TObjMessage& Msg) override { Messages.push_back(Msg.Msg); }
-    void AdjustToScale() override { ++Adjusted; }
-    void Invalidate() override { Note("Invalidate"); }
-    void MovePos(TPoint D) override {
-        Note("MovePos");
-        FLim.Xmin += D.x;
-        FLim.Xmax += D.x;
-        FLim.Ymin += D.y;
-        FLim.Ymax += D.y;
-    }
-    const TLimRec& Lim() const { return FLim; }
-
-    bool IsVisible = true;
-    bool IsNosy = false;
-    TColor Fill = clRed;
-    std::vector<std::uint32_t> Messages;
-    int Adjusted = 0;
-    TScaleSetting* ShownWith = nullptr;
-    std::function<void()> OnShow;
-
-private:
-    void Note(const char* What) {
-        if (FLog) FLog->push_back(FName + "." + What);
-    }
-    std::string FName;
-    TLimRec FLim;
-    std::vector<std::string>* FLog;
-};
-
-inline TvlObject* TStandInCreator::CreateObject() {
-    return new TStandInObject("created", LimRec(0, 0, 1, 1));
+// The stand-in store of the draw box tests: it holds bare rectangles and a list of marks that the
+// test fills.
+inline TStandInStore* NewListedStore(TComponent* Owner) {
+    auto* store = new TStandInStore(Owner);
+    store->Marking = TStandInMarks::Listed;
+    return store;
 }
 
-// A data module that holds stand-in objects in z-order and owns them.
-class TStandInDataMod : public TvlDataMod {
-public:
-    explicit TStandInDataMod(TComponent* AOwner) : TvlDataMod(AOwner) {}
-
-    TStandInObject* Add(std::unique_ptr<TStandInObject> Obj) {
-        Objects.push_back(std::move(Obj));
-        return Objects.back().get();
-    }
-    TLimRec GetLimits() override {
-        if (ThrowOnEmpty) throw Exception(QStringLiteral("broken"));
-        TLimRec l = EmptyLimRec;
-        for (const auto& o : Objects) {
-            l.Xmin = std::min(l.Xmin, o->Lim().Xmin);
-            l.Ymin = std::min(l.Ymin, o->Lim().Ymin);
-            l.Xmax = std::max(l.Xmax, o->Lim().Xmax);
-            l.Ymax = std::max(l.Ymax, o->Lim().Ymax);
-        }
-        return l;
-    }
-    void AllObjects(const TAllObjectsProc& Action, void* Params) override {
-        for (const auto& o : Objects) Action(o.get(), Params);
-    }
-    void InitLimits() override { ++LimitInits; }
-    bool Empty() override {
-        if (ThrowOnEmpty) throw Exception(QStringLiteral("broken"));
-        return Objects.empty();
-    }
-    void LoadFromFile(const QString& F) override { Loads << F; }
-    void SaveToFile(const QString& F) override { Saves << F; }
-    int MarkCount() const override { return static_cast<int>(Marks.size()); }
-    TvlObject* Marked(int I) const override { return Marks.at(static_cast<std::size_t>(I)); }
-    void UnSelect(TvlObject* O) override {
-        UnSelects.push_back(O);
-        if (!O) Marks.clear();
-    }
-
-    std::vector<std::unique_ptr<TStandInObject>> Objects;
-    std::vector<TvlObject*> Marks;
-    std::vector<TvlObject*> UnSelects;
-    QStringList Loads;
-    QStringList Saves;
-    int LimitInits = 0;
-    bool ThrowOnEmpty = false;
-};
-
 // A form with draw boxes; boxes are made with `MakeBox` before `LoadForm`, as a host does.
-class BoxFixture : public FormFixture {
+class BoxFixture : public FormFixture, public TServiceBundle {
 protected:
     void SetUp() override { NewForm(Bounds(0, 0, 640, 480)); }
     void TearDown() override {
@@ -200,21 +88,42 @@ protected:
         box->SetColor(clWhite);
         return box;
     }
-    // A client point of a box in the window's coordinates.
-    QPoint InWindow(TWinControl* Box, int X, int Y) const {
-        const int b = Box->BorderWidth();
-        return Box->Widget()->mapTo(Form->Widget(), QPoint(X + b, Y + b));
+    // The box "Box1" with one logical unit per pixel.
+    TvlDrawbox* MakePixelBox() {
+        TvlDrawbox* box = MakeBox(QStringLiteral("Box1"));
+        box->ScaleSetting().SetMinUnit(TLenUnits::Pixel);
+        return box;
     }
+    // A listed stand-in store serving `Box`.
+    TStandInStore* ServeWithStandIn(TvlDrawbox* Box) {
+        TStandInStore* store = NewListedStore(Form.get());
+        store->FDrawForm = Box;
+        Box->SetDataModule(store);
+        return store;
+    }
+    // A client point of a box in the window's coordinates.
+    static QPoint InWindow(TWinControl* Box, int X, int Y) { return ClientInWindow(*Box, X, Y); }
     static QRgb SurfacePixel(TWinControl* Box, int X, int Y) {
         return Box->Surface().Image().pixel(X, Y) & 0xFFFFFF;
     }
+};
 
-    TErrorServiceDouble Errors;
-    TServiceScope<TErrorService> ErrorScope{Errors};
-    TMessageServiceDouble Dialogs;
-    TServiceScope<TMessageService> DialogScope{Dialogs};
-    TCursorServiceDouble Cursor;
-    TServiceScope<TCursorService> CursorScope{Cursor};
+// A form with the box "Box1" of pixel units, served by a listed stand-in store.
+class StoredBoxFixture : public BoxFixture {
+protected:
+    void SetUp() override {
+        BoxFixture::SetUp();
+        Box = MakePixelBox();
+        Dm = ServeWithStandIn(Box);
+    }
+    // Repaints the whole box now.
+    void Repaint() {
+        Box->InvalidateBox();
+        Box->Update();
+    }
+
+    TvlDrawbox* Box = nullptr;
+    TStandInStore* Dm = nullptr;
 };
 
 } // namespace vl::test

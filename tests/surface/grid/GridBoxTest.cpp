@@ -10,25 +10,13 @@ constexpr QRgb White = 0xFFFFFF;
 constexpr QRgb Blue = 0x0000FF; // clBlue as it reaches the surface
 constexpr QRgb Red = 0xFF0000;  // clRed
 
-class GridBox : public BoxFixture {
+class GridBox : public StoredBoxFixture {
 protected:
-    void SetUp() override {
-        BoxFixture::SetUp();
-        Box = MakeBox(QStringLiteral("Box1"));
-        Box->ScaleSetting().SetMinUnit(TLenUnits::Pixel); // one logical unit is one pixel
-        Dm = new TStandInDataMod(Form.get());
-        Dm->FDrawForm = Box;
-        Box->SetDataModule(Dm);
-    }
     void Start() {
         ShowForm();
         LoadForm();
         Repaint();
         ASSERT_TRUE(Box->Surface().Invalid().isEmpty());
-    }
-    void Repaint() {
-        Box->InvalidateBox();
-        Box->Update();
     }
     // Checks every pixel of the surface against `Expected(x, y)`.
     template <class F>
@@ -41,9 +29,6 @@ protected:
     }
     bool WholeBoxInvalid() const { return Box->Surface().Invalid() == QRegion(Box->Surface().Bounds()); }
     TvlGrid& Grid() { return Box->Grid(); }
-
-    TvlDrawbox* Box = nullptr;
-    TStandInDataMod* Dm = nullptr;
 };
 
 // --- Pixels ------------------------------------------------------------------------------------
@@ -126,7 +111,7 @@ TEST_F(GridBox, ObjectsLieOnTopOfTheGrid) {
     Grid().Pen().SetColor(clBlue);
     Grid().SetVisible(true);
     Start();
-    Dm->Add(std::make_unique<TStandInObject>("a", LimRec(40, 40, 70, 70)));
+    Dm->Hold(TTestObject::BareRect("a", LimRec(40, 40, 70, 70)));
     Repaint();
     ExpectSurface([](int x, int y) {
         if (x >= 40 && x < 70 && y >= 40 && y < 70) return Red;
@@ -264,12 +249,12 @@ TEST_F(GridBox, TheBoxMakesAGridAndShadowsWithTheirDefaults) {
 
 TEST_F(GridBox, MoveObjectsSnapsTheDistanceWhenTheGridCaptures) {
     Start();
-    auto* obj = Dm->Add(std::make_unique<TStandInObject>("a", LimRec(10, 10, 20, 20)));
+    auto* obj = Dm->Hold(TTestObject::BareRect("a", LimRec(10, 10, 20, 20)));
     Dm->Marks.push_back(obj);
     Grid().SetCapture(true);
     Box->MoveObjects(Point(150, 49));
-    EXPECT_EQ(obj->Lim().Xmin, 210);
-    EXPECT_EQ(obj->Lim().Ymin, 10);
+    EXPECT_EQ(obj->Lims->Xmin, 210);
+    EXPECT_EQ(obj->Lims->Ymin, 10);
 }
 
 } // namespace
