@@ -3,13 +3,20 @@
 #include "ObjectBaseSupport.h"
 
 #include "objects/Generators.h"
+#include "platform/core/Scoped.h"
 #include "platform/graphics/Graphics.h"
 #include "surface/Grid.h"
 
 namespace vl::test {
 namespace {
 
-using ObjectBaseTest = ObjectFixture;
+class ObjectBaseTest : public ObjectFixture {
+protected:
+    // The shared fixture's tear-down puts `FileHeader` in the current form while its box still marks
+    // the host's identity as loading (`ThisAppID` -1), which would leave AppID 0xFFFFFFFF in the
+    // header; this puts back the header the test found, after the tear-down.
+    TScopedValue<TvlFileHeader> KeepFileHeader{FileHeader, FileHeader};
+};
 
 TEST_F(ObjectBaseTest, ConstructionCountsTheToolsLivingObjects) {
     TCustomGenerator& gen = *ToolA->Generator();

@@ -2,6 +2,7 @@
 // paste, and the byte forms of the stream helpers.
 #include "ObjectBaseSupport.h"
 
+#include "platform/core/Scoped.h"
 #include "platform/graphics/Dib.h"
 #include "platform/graphics/Graphics.h"
 #include "platform/graphics/Images.h"
@@ -11,7 +12,13 @@
 namespace vl::test {
 namespace {
 
-using PersistTest = ObjectFixture;
+class PersistTest : public ObjectFixture {
+protected:
+    // The shared fixture's tear-down puts `FileHeader` in the current form while its box still marks
+    // the host's identity as loading (`ThisAppID` -1), which would leave AppID 0xFFFFFFFF in the
+    // header; this puts back the header the test found, after the tear-down.
+    TScopedValue<TvlFileHeader> KeepFileHeader{FileHeader, FileHeader};
+};
 
 // Writes the record of `Obj` and answers the bytes.
 QByteArray SavedBytes(TvlObject& Obj, TPstMode Mode = TPstMode::pstSave) {

@@ -1,11 +1,18 @@
 // Positions of objects: the views of `TPos`, logical and world accessors, slaves and their 16-bit
 // offsets, chains, and the refusal of a slaved first end.
 #include "ObjectBaseSupport.h"
+#include "platform/core/Scoped.h"
 
 namespace vl::test {
 namespace {
 
-using PositionTest = ObjectFixture;
+class PositionTest : public ObjectFixture {
+protected:
+    // The shared fixture's tear-down puts `FileHeader` in the current form while its box still marks
+    // the host's identity as loading (`ThisAppID` -1), which would leave AppID 0xFFFFFFFF in the
+    // header; this puts back the header the test found, after the tear-down.
+    TScopedValue<TvlFileHeader> KeepFileHeader{FileHeader, FileHeader};
+};
 
 TEST(PosRecord, ViewsShareTheEightBytes) {
     TPos p;
@@ -194,7 +201,7 @@ struct OriginCase {
     TRect Lcl;
 };
 
-class LocalRectTest : public ObjectFixture, public ::testing::WithParamInterface<OriginCase> {};
+class LocalRectTest : public PositionTest, public ::testing::WithParamInterface<OriginCase> {};
 
 TEST_P(LocalRectTest, LocalRectangleIsFlippedByTheOrigin) {
     ActScaleSet->SetOrigin(GetParam().Origin);

@@ -3,6 +3,7 @@
 
 #include "StoreTestSupport.h"
 #include "platform/core/Exceptions.h"
+#include "platform/core/Scoped.h"
 
 #include <gtest/gtest.h>
 
@@ -15,6 +16,10 @@ namespace {
 
 class CapListTest : public StoreFixture {
 protected:
+    // The shared fixture's tear-down puts `FileHeader` in the current form while its box still marks
+    // the host's identity as loading (`ThisAppID` -1), which would leave AppID 0xFFFFFFFF in the
+    // header; this puts back the header the test found, after the tear-down.
+    TScopedValue<TvlFileHeader> KeepFileHeader{FileHeader, FileHeader};
     void TearDown() override {
         Owned.clear();
         StoreFixture::TearDown();

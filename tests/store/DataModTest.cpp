@@ -2,11 +2,18 @@
 // events, undo options and the undo glue.
 
 #include "DataModSupport.h"
+#include "platform/core/Scoped.h"
 
 namespace vl::test {
 namespace {
 
-using DataMod = DataModFixture;
+class DataMod : public DataModFixture {
+protected:
+    // The shared fixture's tear-down puts `FileHeader` in the current form while its box still marks
+    // the host's identity as loading (`ThisAppID` -1), which would leave AppID 0xFFFFFFFF in the
+    // header; this puts back the header the test found, after the tear-down.
+    TScopedValue<TvlFileHeader> KeepFileHeader{FileHeader, FileHeader};
+};
 
 TEST_F(DataMod, IncCounterGrowsTheArrayToReachTheIndexAndStartsAtOne) {
     EXPECT_TRUE(Dm->Counters().empty());

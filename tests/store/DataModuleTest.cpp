@@ -2,11 +2,18 @@
 // with its failure path.
 
 #include "DataModSupport.h"
+#include "platform/core/Scoped.h"
 
 namespace vl::test {
 namespace {
 
-using DataModule = DataModFixture;
+class DataModule : public DataModFixture {
+protected:
+    // The shared fixture's tear-down puts `FileHeader` in the current form while its box still marks
+    // the host's identity as loading (`ThisAppID` -1), which would leave AppID 0xFFFFFFFF in the
+    // header; this puts back the header the test found, after the tear-down.
+    TScopedValue<TvlFileHeader> KeepFileHeader{FileHeader, FileHeader};
+};
 
 TEST_F(DataModule, StartsWithOneEmptyLayerOfCapacityAHundred) {
     auto* dm = new TvlDataModule(Form.get());
@@ -291,6 +298,10 @@ TEST_F(DataModule, LoadingAFileOlderThan3040LeavesSixCounters) {
 // A drawing of two objects and some counters, with its body.
 class DataModuleFailure : public DataModFixture {
 protected:
+    // The shared fixture's tear-down puts `FileHeader` in the current form while its box still marks
+    // the host's identity as loading (`ThisAppID` -1), which would leave AppID 0xFFFFFFFF in the
+    // header; this puts back the header the test found, after the tear-down.
+    TScopedValue<TvlFileHeader> KeepFileHeader{FileHeader, FileHeader};
     void SetUp() override {
         DataModFixture::SetUp();
         A = Put(ToolA, 1, LimRec(0, 0, 10, 10));

@@ -3,6 +3,7 @@
 
 #include "StoreTestSupport.h"
 #include "platform/core/Exceptions.h"
+#include "platform/core/Scoped.h"
 
 #include <gtest/gtest.h>
 
@@ -14,6 +15,10 @@ namespace {
 
 class LayerStreamTest : public StoreFixture {
 protected:
+    // The shared fixture's tear-down puts `FileHeader` in the current form while its box still marks
+    // the host's identity as loading (`ThisAppID` -1), which would leave AppID 0xFFFFFFFF in the
+    // header; this puts back the header the test found, after the tear-down.
+    TScopedValue<TvlFileHeader> KeepFileHeader{FileHeader, FileHeader};
     // The layer "Ab" with ToolA's object 1 at (10, 20) and ToolB's object 2 at (-1, 2).
     void FillSample(TvlLayer& Layer) {
         Layer.SetName(QStringLiteral("Ab"));

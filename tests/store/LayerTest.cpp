@@ -3,6 +3,7 @@
 
 #include "StoreTestSupport.h"
 #include "platform/core/Exceptions.h"
+#include "platform/core/Scoped.h"
 #include "platform/window/Menus.h"
 
 #include <QAction>
@@ -18,6 +19,10 @@ namespace {
 
 class LayerTest : public StoreFixture {
 protected:
+    // The shared fixture's tear-down puts `FileHeader` in the current form while its box still marks
+    // the host's identity as loading (`ThisAppID` -1), which would leave AppID 0xFFFFFFFF in the
+    // header; this puts back the header the test found, after the tear-down.
+    TScopedValue<TvlFileHeader> KeepFileHeader{FileHeader, FileHeader};
     // An object of no tool with the given limits: its maximal limits are exactly these.
     static TTestObject* Lim(std::int32_t Xmin, std::int32_t Ymin, std::int32_t Xmax, std::int32_t Ymax) {
         auto* obj = new TTestObject();

@@ -14,6 +14,14 @@ protected:
         Box = MakePixelBox();
         HookHost(Box);
     }
+    // A test that presses a button and never releases it ends the gesture here: Qt keeps the held
+    // buttons across windows, and the next test's clicks would arrive with that button still down.
+    void TearDown() override {
+        for (Qt::MouseButton button : {Qt::LeftButton, Qt::RightButton, Qt::MiddleButton})
+            if (QGuiApplication::mouseButtons().testFlag(button))
+                QTest::mouseRelease(Window(), button, {}, InWindow(Box, 15, 15));
+        BoxFixture::TearDown();
+    }
     TRecordingTool* AddDefaultTool(TvlDrawbox* B) {
         auto* tool = new TRecordingTool(Form.get(), Log);
         tool->FDrawForm = B;
