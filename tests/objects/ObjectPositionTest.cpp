@@ -3,6 +3,9 @@
 #include "ObjectBaseSupport.h"
 #include "platform/core/Scoped.h"
 
+#include <ostream>
+#include <string>
+
 namespace vl::test {
 namespace {
 
@@ -201,6 +204,24 @@ struct OriginCase {
     TRect Lcl;
 };
 
+// The origin's name: "LeftTop", "RightBottom", ...
+std::string OriginName(TOrigin Origin) {
+    switch (Origin) {
+    case TOrigin::LeftTop: return "LeftTop";
+    case TOrigin::LeftBottom: return "LeftBottom";
+    case TOrigin::RightTop: return "RightTop";
+    case TOrigin::RightBottom: return "RightBottom";
+    case TOrigin::Center: return "Center";
+    }
+    return "Origin" + std::to_string(static_cast<int>(Origin));
+}
+
+// "RightTop: (30, 0, 0, 40)".
+void PrintTo(const OriginCase& c, std::ostream* os) {
+    *os << OriginName(c.Origin) << ": (" << c.Lcl.Left << ", " << c.Lcl.Top << ", " << c.Lcl.Right << ", "
+        << c.Lcl.Bottom << ")";
+}
+
 class LocalRectTest : public PositionTest, public ::testing::WithParamInterface<OriginCase> {};
 
 TEST_P(LocalRectTest, LocalRectangleIsFlippedByTheOrigin) {
@@ -222,7 +243,10 @@ INSTANTIATE_TEST_SUITE_P(Origins, LocalRectTest,
                          ::testing::Values(OriginCase{TOrigin::LeftTop, Rect(0, 0, 30, 40)},
                                            OriginCase{TOrigin::LeftBottom, Rect(0, 40, 30, 0)},
                                            OriginCase{TOrigin::RightTop, Rect(30, 0, 0, 40)},
-                                           OriginCase{TOrigin::RightBottom, Rect(30, 40, 0, 0)}));
+                                           OriginCase{TOrigin::RightBottom, Rect(30, 40, 0, 0)}),
+                         [](const ::testing::TestParamInfo<OriginCase>& Info) {
+                             return OriginName(Info.param.Origin);
+                         });
 
 TEST_F(PositionTest, RoundCornerDivisorIsTheToolsTagOrTwo) {
     TTestObject obj(ToolA);

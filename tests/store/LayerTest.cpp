@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -250,6 +251,12 @@ struct TOutsideCase {
     bool InclBorder;
     bool Outside;
 };
+
+// "(10, 10, 100, 90) with border: inside".
+void PrintTo(const TOutsideCase& c, std::ostream* os) {
+    *os << "(" << c.Object.Xmin << ", " << c.Object.Ymin << ", " << c.Object.Xmax << ", " << c.Object.Ymax
+        << ") " << (c.InclBorder ? "with" : "without") << " border: " << (c.Outside ? "outside" : "inside");
+}
 
 class LayerOutsideTest : public LayerTest, public ::testing::WithParamInterface<TOutsideCase> {};
 

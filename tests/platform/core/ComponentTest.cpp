@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -354,14 +356,54 @@ TEST(Component, FreedNameCanBeTakenAgain) {
     EXPECT_NO_THROW(b->SetName(QStringLiteral("marker")));
 }
 
-class InvalidComponentName : public ::testing::TestWithParam<const char*> {};
+// A component name to try, in UTF-8.
+struct TNameCase {
+    const char* Utf8;
+};
+
+// The name as the text it stands for, in quotes.
+static void PrintTo(const TNameCase& c, std::ostream* os) {
+    *os << '"' << c.Utf8 << '"';
+}
+
+// A test name for a component name: letters, digits and '_' stay, the others are spelled out
+// ("Tool 1" is "ToolSpace1"), and bytes beyond ASCII are written in hex ("Zähler" is "Zxc3xa4hler").
+// A name of digits only gets the prefix "Digits", since CTest would take it for a parameter index.
+static std::string SpelledOut(const ::testing::TestParamInfo<TNameCase>& Info) {
+    std::string name;
+    for (const char* p = Info.param.Utf8; *p; ++p) {
+        const auto c = static_cast<unsigned char>(*p);
+        if ((c < 0x80 && std::isalnum(c)) || c == '_') {
+            name += static_cast<char>(c);
+        } else if (c == ' ') {
+            name += "Space";
+        } else if (c == '-') {
+            name += "Dash";
+        } else if (c == '.') {
+            name += "Dot";
+        } else if (c == '$') {
+            name += "Dollar";
+        } else {
+            static const char* const digits = "0123456789abcdef";
+            name += 'x';
+            name += digits[c >> 4];
+            name += digits[c & 15];
+        }
+    }
+    if (name.empty()) return "Empty";
+    if (std::all_of(name.begin(), name.end(), [](char c) { return c >= '0' && c <= '9'; }))
+        return "Digits" + name;
+    return name;
+}
+
+class InvalidComponentName : public ::testing::TestWithParam<TNameCase> {};
 
 TEST_P(InvalidComponentName, RaisesComponentError) {
     TComponent c(nullptr);
-    const QString name = QString::fromUtf8(GetParam());
+    const QString name = QString::fromUtf8(GetParam().Utf8);
     try {
         c.SetName(name);
-        FAIL() << "accepted " << GetParam();
+        FAIL() << "accepted " << GetParam().Utf8;
     } catch (const EComponentError& e) {
         EXPECT_EQ(e.Message(), QStringLiteral("'%1' is not a valid component name").arg(name));
     }
@@ -369,19 +411,24 @@ TEST_P(InvalidComponentName, RaisesComponentError) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Component, InvalidComponentName,
-                         ::testing::Values("1Tool", "Tool 1", "Tool-1", "Tool.1", " ", "a$", "9"));
+                         ::testing::Values(TNameCase{"1Tool"}, TNameCase{"Tool 1"}, TNameCase{"Tool-1"},
+                                           TNameCase{"Tool.1"}, TNameCase{" "}, TNameCase{"a$"},
+                                           TNameCase{"9"}),
+                         SpelledOut);
 
-class ValidComponentName : public ::testing::TestWithParam<const char*> {};
+class ValidComponentName : public ::testing::TestWithParam<TNameCase> {};
 
 TEST_P(ValidComponentName, IsAccepted) {
     TComponent c(nullptr);
-    const QString name = QString::fromUtf8(GetParam());
+    const QString name = QString::fromUtf8(GetParam().Utf8);
     EXPECT_NO_THROW(c.SetName(name));
     EXPECT_EQ(c.Name(), name);
 }
 
 INSTANTIATE_TEST_SUITE_P(Component, ValidComponentName,
-                         ::testing::Values("a", "_", "_1", "Tool1", "vlDrawbox_2", "Zähler"));
+                         ::testing::Values(TNameCase{"a"}, TNameCase{"_"}, TNameCase{"_1"},
+                                           TNameCase{"Tool1"}, TNameCase{"vlDrawbox_2"}, TNameCase{"Zähler"}),
+                         SpelledOut);
 
 TEST(Component, FindComponentIgnoresCase) {
     TComponent form(nullptr);

@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -409,6 +410,25 @@ struct SetTextCase {
     std::vector<std::string> lines;
 };
 
+// The text with its line breaks escaped: "a\r\nb".
+static void PrintTo(const SetTextCase& c, std::ostream* os) {
+    *os << ::testing::PrintToString(std::string(c.text));
+}
+
+// The text with each CR as "Cr" and each LF as "Lf" ("aCrLfb"); "Empty" for no text.
+static std::string SetTextCaseName(const ::testing::TestParamInfo<SetTextCase>& Info) {
+    std::string name;
+    for (const char* p = Info.param.text; *p; ++p) {
+        if (*p == '\r')
+            name += "Cr";
+        else if (*p == '\n')
+            name += "Lf";
+        else
+            name += *p;
+    }
+    return name.empty() ? std::string("Empty") : name;
+}
+
 class StringListSetText : public ::testing::TestWithParam<SetTextCase> {};
 
 TEST_P(StringListSetText, SplitsAtEveryKindOfLineBreak) {
@@ -423,7 +443,8 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(SetTextCase{"", {}}, SetTextCase{"a", {"a"}}, SetTextCase{"a\r\nb\r\n", {"a", "b"}},
                       SetTextCase{"a\nb", {"a", "b"}}, SetTextCase{"a\rb\r", {"a", "b"}},
                       SetTextCase{"a\r\n\r\nb", {"a", "", "b"}}, SetTextCase{"\n\n", {"", ""}},
-                      SetTextCase{"a\n\rb", {"a", "", "b"}}, SetTextCase{"a\r\r\nb", {"a", "", "b"}}));
+                      SetTextCase{"a\n\rb", {"a", "", "b"}}, SetTextCase{"a\r\r\nb", {"a", "", "b"}}),
+    SetTextCaseName);
 
 TEST(StringList, SaveToStreamWritesUtf8WithoutByteOrderMark) {
     TStringList l;

@@ -6,7 +6,11 @@
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
+#include <iomanip>
 #include <limits>
+#include <ostream>
+#include <sstream>
+#include <string>
 
 using namespace vl;
 
@@ -14,6 +18,31 @@ struct RoundCase {
     long double x;
     std::int64_t expected;
 };
+
+// "Round(0.5) = 0".
+static void PrintTo(const RoundCase& c, std::ostream* os) {
+    *os << "Round(" << std::setprecision(18) << c.x << ") = " << c.expected;
+}
+
+// A number in a test name: "Minus" for the sign and "p" for the decimal point ("Minus1p5").
+static std::string NumberName(std::string Text) {
+    std::string name;
+    for (char c : Text) {
+        if (c == '-')
+            name += "Minus";
+        else if (c == '.')
+            name += "p";
+        else
+            name += c;
+    }
+    return name;
+}
+
+static std::string RoundCaseName(const ::testing::TestParamInfo<RoundCase>& Info) {
+    std::ostringstream s;
+    s << std::setprecision(18) << Info.param.x;
+    return "Round" + NumberName(s.str());
+}
 
 class RoundTiesToEven : public ::testing::TestWithParam<RoundCase> {};
 
@@ -28,7 +57,8 @@ INSTANTIATE_TEST_SUITE_P(Numerics, RoundTiesToEven,
                                            RoundCase{-0.51L, -1}, RoundCase{1e15L + 0.5L, 1000000000000000},
                                            RoundCase{0.0L, 0}, RoundCase{-0.0L, 0},
                                            RoundCase{2147483647.5L, 2147483648LL},
-                                           RoundCase{-2147483648.5L, -2147483648LL}));
+                                           RoundCase{-2147483648.5L, -2147483648LL}),
+                         RoundCaseName);
 
 TEST(Numerics, RoundWorksInLongDoublePrecision) {
     // As a long double literal, 2.4999999999999999 stays below 2.5 and rounds down; as a double it
@@ -76,6 +106,17 @@ struct MulDivCase {
     std::int32_t a, b, c, expected;
 };
 
+// "MulDiv(5, 1, -2) = -3".
+static void PrintTo(const MulDivCase& c, std::ostream* os) {
+    *os << "MulDiv(" << c.a << ", " << c.b << ", " << c.c << ") = " << c.expected;
+}
+
+// "5Times1ByMinus2".
+static std::string MulDivCaseName(const ::testing::TestParamInfo<MulDivCase>& Info) {
+    const MulDivCase& c = Info.param;
+    return NumberName(std::to_string(c.a) + "Times" + std::to_string(c.b) + "By" + std::to_string(c.c));
+}
+
 class MulDivRounding : public ::testing::TestWithParam<MulDivCase> {};
 
 TEST_P(MulDivRounding, RoundsHalfAwayFromZero) {
@@ -90,7 +131,8 @@ INSTANTIATE_TEST_SUITE_P(
                       MulDivCase{2, 1, 3, 1}, MulDivCase{-2, 1, 3, -1}, MulDivCase{10, 10, 10, 10},
                       MulDivCase{0, 5, 7, 0}, MulDivCase{100000, 100000, 100000, 100000},
                       MulDivCase{2147483647, 2, 2, 2147483647},
-                      MulDivCase{-2147483647 - 1, 1, 1, -2147483647 - 1}, MulDivCase{65536, 65536, 2, -1}));
+                      MulDivCase{-2147483647 - 1, 1, 1, -2147483647 - 1}, MulDivCase{65536, 65536, 2, -1}),
+    MulDivCaseName);
 
 TEST(Numerics, MulDivByZeroAnswersMinusOne) {
     EXPECT_EQ(MulDiv(5, 3, 0), -1);

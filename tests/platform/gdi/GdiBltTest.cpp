@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <ios>
+#include <ostream>
 
 namespace vl {
 namespace {
@@ -19,6 +21,10 @@ struct TBltCase {
     const char* Name;
     std::function<std::uint32_t(std::uint32_t s, std::uint32_t d)> Expected;
 };
+
+void PrintTo(const TBltCase& c, std::ostream* os) {
+    *os << c.Name << " (code 0x" << std::hex << std::uppercase << c.Rop << std::dec << ")";
+}
 
 class GdiBltCodes : public ::testing::TestWithParam<TBltCase> {};
 

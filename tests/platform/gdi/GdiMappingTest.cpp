@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+#include <string>
+
 namespace vl {
 namespace {
 
@@ -54,6 +57,23 @@ struct TMapCase {
     int WndExt, VpExt, WndOrg, VpOrg, Logical, Device;
 };
 
+void PrintTo(const TMapCase& c, std::ostream* os) {
+    *os << "logical " << c.Logical << ", extents " << c.WndExt << " to " << c.VpExt << ", origins "
+        << c.WndOrg << " to " << c.VpOrg << ": device " << c.Device;
+}
+
+std::string Signed(int Value) {
+    return Value < 0 ? "Minus" + std::to_string(-static_cast<long long>(Value)) : std::to_string(Value);
+}
+
+// "Logical3Ext4To2", with "Org10To100" when the origins are not zero.
+std::string MapCaseName(const ::testing::TestParamInfo<TMapCase>& Info) {
+    const TMapCase& c = Info.param;
+    std::string name = "Logical" + Signed(c.Logical) + "Ext" + Signed(c.WndExt) + "To" + Signed(c.VpExt);
+    if (c.WndOrg != 0 || c.VpOrg != 0) name += "Org" + Signed(c.WndOrg) + "To" + Signed(c.VpOrg);
+    return name;
+}
+
 class GdiMappingRounding : public ::testing::TestWithParam<TMapCase> {};
 
 // device = vpOrg + (logical - wndOrg) * vpExt / wndExt, rounded half away from zero.
@@ -79,7 +99,8 @@ INSTANTIATE_TEST_SUITE_P(Gdi, GdiMappingRounding,
                                            TMapCase{2, -3, 0, 0, 1, -2},     // -1.5 -> -2
                                            TMapCase{4, 2, 10, 100, 13, 102}, // 100 + 1.5 -> 102
                                            TMapCase{4, 2, 10, 100, 7, 98},   // 100 - 1.5 -> 98
-                                           TMapCase{4, 3, 0, 0, 2000000000, 1500000000}));
+                                           TMapCase{4, 3, 0, 0, 2000000000, 1500000000}),
+                         MapCaseName);
 
 TEST(GdiMapping, DeviceToLogicalIsTheInverseWithTheSameRounding) {
     TSurface s(4, 4);

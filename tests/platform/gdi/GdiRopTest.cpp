@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <ostream>
 #include <random>
 
 namespace vl {
@@ -41,6 +42,10 @@ std::vector<TRopCase> RopCases() {
         {R2_MERGEPEN, "MergePen", [](std::uint32_t p, std::uint32_t d) { return p | d; }},
         {R2_WHITE, "White", [](std::uint32_t, std::uint32_t) { return 0xFFFFFFu; }},
     };
+}
+
+void PrintTo(const TRopCase& c, std::ostream* os) {
+    *os << c.Name << " (mode " << c.Mode << ")";
 }
 
 class GdiRopModes : public ::testing::TestWithParam<TRopCase> {};

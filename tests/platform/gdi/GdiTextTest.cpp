@@ -9,6 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+#include <string>
+
 namespace vl {
 namespace {
 
@@ -224,6 +227,16 @@ struct TFaceCase {
     const char* Installed;
 };
 
+void PrintTo(const TFaceCase& c, std::ostream* os) {
+    *os << "\"" << QString::fromUtf16(c.Name).toStdString() << "\" to " << c.Installed;
+}
+
+// The face name without its spaces; "NoName" for the empty name.
+std::string FaceCaseName(const ::testing::TestParamInfo<TFaceCase>& Info) {
+    std::string name = QString::fromUtf16(Info.param.Name).remove(QLatin1Char(' ')).toStdString();
+    return name.empty() ? std::string("NoName") : name;
+}
+
 class GdiTextFaces : public ::testing::TestWithParam<TFaceCase> {};
 
 TEST_P(GdiTextFaces, ClassicFacesResolveToMetricCompatibleInstalledOnes) {
@@ -241,7 +254,8 @@ INSTANTIATE_TEST_SUITE_P(
                       TFaceCase{u"Courier", "Liberation Mono"}, TFaceCase{u"Courier New", "Liberation Mono"},
                       TFaceCase{u"System", "Liberation Sans"}, TFaceCase{u"Default", "Liberation Sans"},
                       TFaceCase{u"", "Liberation Sans"}, TFaceCase{u"DejaVu Serif", "DejaVu Serif"},
-                      TFaceCase{u"No Such Face", "Liberation Sans"}));
+                      TFaceCase{u"No Such Face", "Liberation Sans"}),
+    FaceCaseName);
 
 TEST(GdiText, SetFontServiceNullRestoresTheDefault) {
     auto previous = SetFontService(std::make_unique<TPinnedMetrics>());

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+#include <string>
 #include <vector>
 
 namespace vl {
@@ -114,6 +116,32 @@ TEST(GfxBitmap, Saves24BitFileWithDocumentedLayout) {
     EXPECT_EQ(p[54 + 14], 0x11);
 }
 
+// The enumerator's name, for the test names and the printed parameter.
+const char* PixelFormatName(TPixelFormat Format) {
+    switch (Format) {
+    case pfDevice: return "pfDevice";
+    case pf1bit: return "pf1bit";
+    case pf4bit: return "pf4bit";
+    case pf8bit: return "pf8bit";
+    case pf15bit: return "pf15bit";
+    case pf16bit: return "pf16bit";
+    case pf24bit: return "pf24bit";
+    case pf32bit: return "pf32bit";
+    case pfCustom: return "pfCustom";
+    }
+    return "unknown";
+}
+
+} // namespace
+
+// Prints a pixel format by its name. Argument-dependent lookup looks for it in the namespace of
+// `TPixelFormat`, not in this file's unnamed one, hence its place here.
+[[maybe_unused]] static void PrintTo(TPixelFormat Format, std::ostream* os) {
+    *os << PixelFormatName(Format);
+}
+
+namespace {
+
 class GfxBitmapFormats : public ::testing::TestWithParam<TPixelFormat> {};
 
 TEST_P(GfxBitmapFormats, WriteReadWriteIsByteIdenticalAndConsumesOwnLength) {
@@ -134,7 +162,10 @@ TEST_P(GfxBitmapFormats, WriteReadWriteIsByteIdenticalAndConsumesOwnLength) {
 
 INSTANTIATE_TEST_SUITE_P(AllFormats, GfxBitmapFormats,
                          ::testing::Values(pf1bit, pf4bit, pf8bit, pf15bit, pf16bit, pf24bit, pf32bit,
-                                           pfDevice));
+                                           pfDevice),
+                         [](const ::testing::TestParamInfo<TPixelFormat>& Info) {
+                             return std::string(PixelFormatName(Info.param));
+                         });
 
 TEST(GfxBitmap, EmptyBitmapWritesHeaderOnlyFileAndReadsBackEmpty) {
     TBitmap bmp;

@@ -5,6 +5,12 @@
 
 #include <QColor>
 
+#include <cstdint>
+#include <iomanip>
+#include <ios>
+#include <ostream>
+#include <string>
+
 namespace vl {
 namespace {
 
@@ -33,6 +39,17 @@ struct SysColourCase {
     COLORREF Expected;
 };
 
+// "system colour 15 is 0xC0C0C0".
+void PrintTo(const SysColourCase& c, std::ostream* os) {
+    *os << "system colour " << (static_cast<std::uint32_t>(c.Color) & 0xFFFFFF) << " is 0x" << std::hex
+        << std::uppercase << std::setw(6) << std::setfill('0') << c.Expected << std::dec;
+}
+
+// "SystemColour15".
+std::string SysColourCaseName(const ::testing::TestParamInfo<SysColourCase>& Info) {
+    return "SystemColour" + std::to_string(static_cast<std::uint32_t>(Info.param.Color) & 0xFFFFFF);
+}
+
 class GfxColorTable : public ::testing::TestWithParam<SysColourCase> {};
 
 TEST_P(GfxColorTable, SystemColourResolvesThroughFixedClassicTable) {
@@ -49,7 +66,8 @@ INSTANTIATE_TEST_SUITE_P(
         SysColourCase{clBtnHighlight, RGB(255, 255, 255)}, SysColourCase{clInfoBk, RGB(255, 255, 225)},
         SysColourCase{clInfoText, RGB(0, 0, 0)}, SysColourCase{clActiveCaption, RGB(0, 0, 128)},
         SysColourCase{clBackground, RGB(0, 128, 128)}, SysColourCase{clScrollBar, RGB(192, 192, 192)},
-        SysColourCase{clAppWorkSpace, RGB(128, 128, 128)}));
+        SysColourCase{clAppWorkSpace, RGB(128, 128, 128)}),
+    SysColourCaseName);
 
 TEST(GfxColor, PlainColourPassesUnchanged) {
     EXPECT_EQ(ColorToRGB(0x123456), 0x123456u);
@@ -259,6 +277,16 @@ struct SizeCase {
     int Height;
 };
 
+// "10 pt at 96 dpi is height -13".
+void PrintTo(const SizeCase& c, std::ostream* os) {
+    *os << c.Size << " pt at " << c.PixelsPerInch << " dpi is height " << c.Height;
+}
+
+// "Size10At96Dpi".
+std::string SizeCaseName(const ::testing::TestParamInfo<SizeCase>& Info) {
+    return "Size" + std::to_string(Info.param.Size) + "At" + std::to_string(Info.param.PixelsPerInch) + "Dpi";
+}
+
 class GfxFontSize : public ::testing::TestWithParam<SizeCase> {};
 
 TEST_P(GfxFontSize, SizeAndHeightConvertWithMulDiv) {
@@ -273,7 +301,8 @@ TEST_P(GfxFontSize, SizeAndHeightConvertWithMulDiv) {
 INSTANTIATE_TEST_SUITE_P(Resolutions, GfxFontSize,
                          ::testing::Values(SizeCase{96, 8, -11}, SizeCase{96, 10, -13}, SizeCase{96, 12, -16},
                                            SizeCase{120, 8, -13}, SizeCase{72, 10, -10},
-                                           SizeCase{600, 10, -83}));
+                                           SizeCase{600, 10, -83}),
+                         SizeCaseName);
 
 TEST(GfxFont, PositiveHeightGivesNegativeSize) {
     TFont font;

@@ -7,7 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace vl::test {
@@ -129,6 +131,13 @@ struct TMessageCase {
     QString Caption;  // after the message; "-" for untouched
     std::int32_t Max; // of the bar after it (starting at 100)
 };
+
+// "message 100 (5000)": the number and what it carries.
+void PrintTo(const TMessageCase& c, std::ostream* os) {
+    *os << "message " << c.Msg;
+    if (const auto* number = std::get_if<std::int32_t>(&c.Param)) *os << " (" << *number << ")";
+    if (const auto* text = std::get_if<QString>(&c.Param)) *os << " (\"" << text->toStdString() << "\")";
+}
 
 class InfoboxMessageTest : public InfoboxTest, public ::testing::WithParamInterface<TMessageCase> {};
 

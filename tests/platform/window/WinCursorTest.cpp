@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <ostream>
+#include <string>
 
 namespace vl {
 namespace {
@@ -17,6 +18,12 @@ struct ShapeCase {
 
 void PrintTo(const ShapeCase& c, std::ostream* os) {
     *os << "cursor " << c.Number;
+}
+
+// "Number0", "NumberMinus2".
+std::string ShapeCaseName(const ::testing::TestParamInfo<ShapeCase>& Info) {
+    const TCursor n = Info.param.Number;
+    return "Number" + (n < 0 ? "Minus" + std::to_string(-n) : std::to_string(n));
 }
 
 class WinCursorShapes : public ::testing::TestWithParam<ShapeCase> {};
@@ -39,7 +46,8 @@ INSTANTIATE_TEST_SUITE_P(
                       ShapeCase{crVSplit, Qt::SplitVCursor}, ShapeCase{crNo, Qt::ForbiddenCursor},
                       ShapeCase{crAppStart, Qt::BusyCursor}, ShapeCase{crHelp, Qt::WhatsThisCursor},
                       ShapeCase{crHandPoint, Qt::PointingHandCursor},
-                      ShapeCase{crSizeAll, Qt::SizeAllCursor}));
+                      ShapeCase{crSizeAll, Qt::SizeAllCursor}),
+    ShapeCaseName);
 
 TEST(WinCursor, NumbersAreTheFrameworkValues) {
     EXPECT_EQ(crDefault, 0);
@@ -80,7 +88,10 @@ TEST_P(WinCursorResources, LoadCursorByNameGivesOneSharedCursorWithItsHotSpot) {
 }
 
 INSTANTIATE_TEST_SUITE_P(WinCursor, WinCursorResources,
-                         ::testing::Values("SMALL_CROSS", "ROTATE", "DIMLINEH", "DIMLINEV", "DIMLINEP"));
+                         ::testing::Values("SMALL_CROSS", "ROTATE", "DIMLINEH", "DIMLINEV", "DIMLINEP"),
+                         [](const ::testing::TestParamInfo<const char*>& Info) {
+                             return std::string(Info.param);
+                         });
 
 TEST(WinCursor, UnknownNameLoadsNothing) {
     EXPECT_EQ(LoadCursorByName("NO_SUCH_CURSOR"), nullptr);

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <ostream>
+#include <string>
 
 namespace vl {
 namespace {
@@ -17,8 +18,18 @@ struct SubtractCase {
     bool Result;
 };
 
+void PrintRect(const TRect& r, std::ostream* os) {
+    *os << "(" << r.Left << ", " << r.Top << ", " << r.Right << ", " << r.Bottom << ")";
+}
+
+// "(0, 0, 300, 200) minus (0, 0, 20, 200) is (20, 0, 300, 200)".
 void PrintTo(const SubtractCase& c, std::ostream* os) {
-    *os << c.Name;
+    PrintRect(c.Src1, os);
+    *os << " minus ";
+    PrintRect(c.Src2, os);
+    *os << " is ";
+    PrintRect(c.Expected, os);
+    if (!c.Result) *os << ", false";
 }
 
 class WinRectSubtract : public ::testing::TestWithParam<SubtractCase> {};

@@ -8,6 +8,7 @@
 #include <QStyleOptionSlider>
 
 #include <ostream>
+#include <string>
 
 namespace vl::test {
 namespace {
@@ -122,6 +123,19 @@ void PrintTo(const ActionCase& c, std::ostream* os) {
     *os << "scroll code " << c.Code;
 }
 
+// The scroll code's name: "LineDown", "PageUp", "Top", ...
+std::string ActionCaseName(const ::testing::TestParamInfo<ActionCase>& Info) {
+    switch (Info.param.Code) {
+    case SB_LINEUP: return "LineUp";
+    case SB_LINEDOWN: return "LineDown";
+    case SB_PAGEUP: return "PageUp";
+    case SB_PAGEDOWN: return "PageDown";
+    case SB_TOP: return "Top";
+    case SB_BOTTOM: return "Bottom";
+    default: return "Code" + std::to_string(Info.param.Code);
+    }
+}
+
 class WinScrollBarActions : public WindowFixture, public ::testing::WithParamInterface<ActionCase> {};
 
 TEST_P(WinScrollBarActions, UserActionSendsItsScrollCodeAndTheBarStaysUntilTheWindowMovesIt) {
@@ -142,7 +156,8 @@ INSTANTIATE_TEST_SUITE_P(WinScrollBar, WinScrollBarActions,
                                            ActionCase{QAbstractSlider::SliderPageStepAdd, SB_PAGEDOWN},
                                            ActionCase{QAbstractSlider::SliderPageStepSub, SB_PAGEUP},
                                            ActionCase{QAbstractSlider::SliderToMinimum, SB_TOP},
-                                           ActionCase{QAbstractSlider::SliderToMaximum, SB_BOTTOM}));
+                                           ActionCase{QAbstractSlider::SliderToMaximum, SB_BOTTOM}),
+                         ActionCaseName);
 
 TEST_F(WinScrollBar, HandlerThatSetsThePositionMovesTheBar) {
     Control->SetScrollInfo(SB_HORZ, Info(500, 201, 100), true);

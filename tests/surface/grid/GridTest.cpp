@@ -16,6 +16,7 @@
 #include <cstdlib>
 #include <memory>
 #include <ostream>
+#include <string>
 #include <vector>
 
 namespace vl {
@@ -162,6 +163,15 @@ void PrintTo(const SnapCase& c, std::ostream* os) {
     *os << c.Value << " by " << c.Inc << " to " << c.Expected;
 }
 
+std::string Signed(std::int32_t Value) {
+    return Value < 0 ? "Minus" + std::to_string(-static_cast<long long>(Value)) : std::to_string(Value);
+}
+
+// "Minus150By100".
+std::string SnapCaseName(const ::testing::TestParamInfo<SnapCase>& Info) {
+    return Signed(Info.param.Value) + "By" + Signed(Info.param.Inc);
+}
+
 class GridMatchAxis : public ::testing::TestWithParam<SnapCase> {};
 
 TEST_P(GridMatchAxis, XSnapsToTheNearestMultipleWithTiesToTheEvenOne) {
@@ -208,7 +218,8 @@ INSTANTIATE_TEST_SUITE_P(
         SnapCase{-2147483647 - 1, 100, -2147483600},
         // A multiple beyond the 32-bit range gives way to its neighbour toward zero.
         SnapCase{2147483647, 1431655765, 1431655765}, SnapCase{-2147483647 - 1, 1431655765, -1431655765},
-        SnapCase{2147483647, 2147483647, 2147483647}, SnapCase{-2147483647 - 1, 2147483647, -2147483647}));
+        SnapCase{2147483647, 2147483647, 2147483647}, SnapCase{-2147483647 - 1, 2147483647, -2147483647}),
+    SnapCaseName);
 
 TEST(GridMatch, IncHorzZeroLeavesXAloneWhileYStillSnaps) {
     TvlGrid grid(nullptr);
