@@ -175,8 +175,8 @@ TPoint TCustomDrawBox::LogToScreen(TPoint LogPnt) {
     return ClientToScreen(LogPnt);
 }
 
-TPoint TCustomDrawBox::DevToLog(int X, int Y) {
-    TPoint p = Point(X, Y);
+TPoint TCustomDrawBox::DevToLog(int XDev, int YDev) {
+    TPoint p = Point(XDev, YDev);
     DPtoLP(Canvas().Handle(), &p, 1);
     return p;
 }
@@ -456,11 +456,11 @@ void TCustomDrawBox::Resize() {
     if (FTool && FTool->ToolState.Contains(tsCanScroll)) SetClipping();
 }
 
-void TCustomDrawBox::MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) {
+void TCustomDrawBox::MouseDown(TMouseButton Button, TShiftState Shift, int XDev, int YDev) {
     if (!FTool || State.Contains(bsToolScroll)) return;
-    const TPoint p = DevToLog(X, Y);
+    const TPoint p = DevToLog(XDev, YDev);
     ActScaleSet = FScaleSetting.get();
-    TScrollPaint::MouseDown(Button, Shift, p.x, p.y);
+    DoMouseDown(Button, Shift, p.x, p.y);
     if (!FTool) return; // the host's event may have ended the tool's life
     switch (Button) {
     case mbLeft:
@@ -474,19 +474,19 @@ void TCustomDrawBox::MouseDown(TMouseButton Button, TShiftState Shift, int X, in
     }
 }
 
-void TCustomDrawBox::MouseMove(TShiftState Shift, int X, int Y) {
+void TCustomDrawBox::MouseMove(TShiftState Shift, int XDev, int YDev) {
     if (!FTool || State.Contains(bsToolScroll)) return;
     ActScaleSet = FScaleSetting.get();
-    const TPoint p = DevToLog(X, Y);
+    const TPoint p = DevToLog(XDev, YDev);
     FTool->MouseMove(Shift, p);
-    TScrollPaint::MouseMove(Shift, p.x, p.y);
+    DoMouseMove(Shift, p.x, p.y);
 }
 
-void TCustomDrawBox::MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) {
+void TCustomDrawBox::MouseUp(TMouseButton Button, TShiftState Shift, int XDev, int YDev) {
     if (!FTool) return;
-    const TPoint p = DevToLog(X, Y);
+    const TPoint p = DevToLog(XDev, YDev);
     ActScaleSet = FScaleSetting.get();
-    TScrollPaint::MouseUp(Button, Shift, p.x, p.y);
+    DoMouseUp(Button, Shift, p.x, p.y);
     if (!FTool) return;
     if (Button == mbLeft)
         FTool->LMouseUp(Shift, p);
@@ -506,14 +506,14 @@ void TCustomDrawBox::KeyUp(std::uint16_t& Key, TShiftState Shift) {
     if (FTool) FTool->KeyUp(Key, Shift);
 }
 
-void TCustomDrawBox::DragOver(QObject* Source, int X, int Y, TDragState State, bool& Accept) {
-    const TPoint p = DevToLog(X, Y);
-    TScrollPaint::DragOver(Source, p.x, p.y, State, Accept);
+void TCustomDrawBox::DragOver(QObject* Source, int XDev, int YDev, TDragState State, bool& Accept) {
+    const TPoint p = DevToLog(XDev, YDev);
+    DoDragOver(Source, p.x, p.y, State, Accept);
 }
 
-void TCustomDrawBox::DragDrop(QObject* Source, int X, int Y) {
-    const TPoint p = DevToLog(X, Y);
-    TScrollPaint::DragDrop(Source, p.x, p.y);
+void TCustomDrawBox::DragDrop(QObject* Source, int XDev, int YDev) {
+    const TPoint p = DevToLog(XDev, YDev);
+    DoDragDrop(Source, p.x, p.y);
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -124,20 +124,22 @@ protected:
     void WMHScroll(TMessage& Message) override;
     void WMVScroll(TMessage& Message) override;
     void Resize() override;
-    void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
-    void MouseMove(TShiftState Shift, int X, int Y) override;
-    void MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) override;
+    // The box maps the device position to logical units, fires the host's event with them and hands
+    // them to the current tool.
+    void MouseDown(TMouseButton Button, TShiftState Shift, int XDev, int YDev) override;
+    void MouseMove(TShiftState Shift, int XDev, int YDev) override;
+    void MouseUp(TMouseButton Button, TShiftState Shift, int XDev, int YDev) override;
     void KeyDown(std::uint16_t& Key, TShiftState Shift) override;
     void KeyUp(std::uint16_t& Key, TShiftState Shift) override;
-    void DragOver(QObject* Source, int X, int Y, TDragState State, bool& Accept) override;
-    void DragDrop(QObject* Source, int X, int Y) override;
+    void DragOver(QObject* Source, int XDev, int YDev, TDragState State, bool& Accept) override;
+    void DragDrop(QObject* Source, int XDev, int YDev) override;
 
     void DoBeforePaint();
     void DoAfterPaint();
     // Shows one object if it is visible and meets the limits at `Params`; tells a nosy one first.
     static void PaintObjects(TBoxObject* AnyObject, void* Params);
     // A device point in logical coordinates, mapped on the box's canvas.
-    TPoint DevToLog(int X, int Y);
+    TPoint DevToLog(int XDev, int YDev);
 
 private:
     TBoxTool* FTool = nullptr; // borrowed: the current tool

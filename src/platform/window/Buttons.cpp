@@ -94,7 +94,7 @@ void TCustomButtonControl::BoundsChanged() {
 
 void TCustomButtonControl::ApplyGeometry() {
     if (!FWidget || !FOwnsWidget) return;
-    // Bounds are device pixels of the parent's client area; the widget is placed in Qt's logical ones.
+    // Bounds are device pixels of the parent's client area; the widget is placed in Qt's widget pixels.
     const double r = Parent() ? Parent()->DevicePixelRatio() : 1.0;
     const int offset = Parent() ? Parent()->BorderWidth() : 0;
     FWidget->setGeometry(static_cast<int>(std::lround((Left() + offset) / r)),

@@ -16,8 +16,8 @@ namespace vl {
 
 namespace {
 
-// A logical (widget) rectangle covering the device rectangle `R`.
-QRect LogicalOf(const QRect& R, double Ratio) {
+// A rectangle in Qt's widget pixels covering the device rectangle `R`.
+QRect WidgetRectOf(const QRect& R, double Ratio) {
     if (Ratio == 1.0) return R;
     const int left = static_cast<int>(std::floor(R.left() / Ratio));
     const int top = static_cast<int>(std::floor(R.top() / Ratio));
@@ -26,7 +26,7 @@ QRect LogicalOf(const QRect& R, double Ratio) {
     return QRect(left, top, right - left, bottom - top);
 }
 
-// A device rectangle covering the logical rectangle `R`.
+// A device rectangle covering the rectangle `R` in Qt's widget pixels.
 QRect DeviceOf(const QRect& R, double Ratio) {
     if (Ratio == 1.0) return R;
     const int left = static_cast<int>(std::floor(R.left() * Ratio));
@@ -211,15 +211,27 @@ void TControl::HandleDragMessage(TMessage& Message) {
     }
 }
 
-void TControl::MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) {
+void TControl::MouseDown(TMouseButton Button, TShiftState Shift, int XDev, int YDev) {
+    DoMouseDown(Button, Shift, XDev, YDev);
+}
+
+void TControl::MouseMove(TShiftState Shift, int XDev, int YDev) {
+    DoMouseMove(Shift, XDev, YDev);
+}
+
+void TControl::MouseUp(TMouseButton Button, TShiftState Shift, int XDev, int YDev) {
+    DoMouseUp(Button, Shift, XDev, YDev);
+}
+
+void TControl::DoMouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) {
     if (OnMouseDown) OnMouseDown(this, Button, Shift, X, Y);
 }
 
-void TControl::MouseMove(TShiftState Shift, int X, int Y) {
+void TControl::DoMouseMove(TShiftState Shift, int X, int Y) {
     if (OnMouseMove) OnMouseMove(this, Shift, X, Y);
 }
 
-void TControl::MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) {
+void TControl::DoMouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) {
     if (OnMouseUp) OnMouseUp(this, Button, Shift, X, Y);
 }
 
@@ -235,7 +247,15 @@ void TControl::Resize() {
     if (OnResize) OnResize(this);
 }
 
-void TControl::DragOver(QObject* Source, int X, int Y, TDragState State, bool& Accept) {
+void TControl::DragOver(QObject* Source, int XDev, int YDev, TDragState State, bool& Accept) {
+    DoDragOver(Source, XDev, YDev, State, Accept);
+}
+
+void TControl::DragDrop(QObject* Source, int XDev, int YDev) {
+    DoDragDrop(Source, XDev, YDev);
+}
+
+void TControl::DoDragOver(QObject* Source, int X, int Y, TDragState State, bool& Accept) {
     Accept = false;
     if (OnDragOver) {
         Accept = true;
@@ -243,7 +263,7 @@ void TControl::DragOver(QObject* Source, int X, int Y, TDragState State, bool& A
     }
 }
 
-void TControl::DragDrop(QObject* Source, int X, int Y) {
+void TControl::DoDragDrop(QObject* Source, int X, int Y) {
     if (OnDragDrop) OnDragDrop(this, Source, X, Y);
 }
 
@@ -330,14 +350,14 @@ void TWinControl::ApplyWidgetGeometry() {
     const double r = DevicePixelRatio();
     int offset = 0;
     if (Parent()) offset = Parent()->BorderWidth();
-    const QRect logical(static_cast<int>(std::lround((Left() + offset) / r)),
-                        static_cast<int>(std::lround((Top() + offset) / r)),
-                        static_cast<int>(std::lround(Width() / r)),
-                        static_cast<int>(std::lround(Height() / r)));
+    const QRect widgetPx(static_cast<int>(std::lround((Left() + offset) / r)),
+                         static_cast<int>(std::lround((Top() + offset) / r)),
+                         static_cast<int>(std::lround(Width() / r)),
+                         static_cast<int>(std::lround(Height() / r)));
     if (FWidget->isWindow())
-        FWidget->resize(logical.size());
+        FWidget->resize(widgetPx.size());
     else
-        FWidget->setGeometry(logical);
+        FWidget->setGeometry(widgetPx);
 }
 
 void TWinControl::BoundsChanged() {
@@ -382,15 +402,15 @@ void TWinControl::UpdateLayout(bool ForceSize) {
     const int b = BorderWidth();
     const int sb = ScrollBarExtent();
     const TRect client = ClientRect();
-    auto logical = [r](int v) { return static_cast<int>(std::lround(v / r)); };
+    auto widgetPx = [r](int v) { return static_cast<int>(std::lround(v / r)); };
     if (FVertBar->Shown) {
-        FVertBar->Widget->setGeometry(logical(Width() - b - sb), logical(b), logical(sb),
-                                      logical(std::max(0, Height() - 2 * b - (FHorzBar->Shown ? sb : 0))));
+        FVertBar->Widget->setGeometry(widgetPx(Width() - b - sb), widgetPx(b), widgetPx(sb),
+                                      widgetPx(std::max(0, Height() - 2 * b - (FHorzBar->Shown ? sb : 0))));
     }
     if (FHorzBar->Shown) {
-        FHorzBar->Widget->setGeometry(logical(b), logical(Height() - b - sb),
-                                      logical(std::max(0, Width() - 2 * b - (FVertBar->Shown ? sb : 0))),
-                                      logical(sb));
+        FHorzBar->Widget->setGeometry(widgetPx(b), widgetPx(Height() - b - sb),
+                                      widgetPx(std::max(0, Width() - 2 * b - (FVertBar->Shown ? sb : 0))),
+                                      widgetPx(sb));
     }
     FVertBar->Widget->setVisible(FVertBar->Shown);
     FHorzBar->Widget->setVisible(FHorzBar->Shown);
@@ -623,7 +643,7 @@ void TWinControl::InvalidateRgn(const QRegion& RegionDev, bool Erase) {
     if (!FWidget) return;
     const double r = DevicePixelRatio();
     const int b = BorderWidth();
-    for (const QRect& rect : area) FWidget->update(LogicalOf(rect.translated(b, b), r));
+    for (const QRect& rect : area) FWidget->update(WidgetRectOf(rect.translated(b, b), r));
 }
 
 void TWinControl::Update() {
@@ -653,7 +673,7 @@ void TWinControl::PaintPending() {
             if (Self->FWidget) {
                 const double r = Self->DevicePixelRatio();
                 const int b = Self->BorderWidth();
-                for (const QRect& rect : Area) Self->FWidget->update(LogicalOf(rect.translated(b, b), r));
+                for (const QRect& rect : Area) Self->FWidget->update(WidgetRectOf(rect.translated(b, b), r));
             }
         }
     } paintEnd{this, invalid};
@@ -682,12 +702,12 @@ void TWinControl::PaintPending() {
     WndProc(paint);
 }
 
-void TWinControl::QtPaint(const QRegion& ExposedLogical) {
+void TWinControl::QtPaint(const QRegion& ExposedWidgetPx) {
     if (!FWidget) return;
     const double r = DevicePixelRatio();
     const int b = BorderWidth();
     QRegion exposedDev;
-    for (const QRect& rect : ExposedLogical) exposedDev += DeviceOf(rect, r).translated(-b, -b);
+    for (const QRect& rect : ExposedWidgetPx) exposedDev += DeviceOf(rect, r).translated(-b, -b);
     exposedDev &= FSurface.Bounds();
     // An expose of pixels that need no work is a loss of the screen's content: it is painted anew.
     // (A rendering of the widget into a pixmap, as `QWidget::grab` does, is such an expose too.)
@@ -698,7 +718,7 @@ void TWinControl::QtPaint(const QRegion& ExposedLogical) {
     FInQtPaint = false;
 
     QPainter painter(FWidget.data());
-    painter.setClipRegion(ExposedLogical);
+    painter.setClipRegion(ExposedWidgetPx);
     const QRectF target(b / r, b / r, FSurface.Image().width() / r, FSurface.Image().height() / r);
     if (!FSurface.Image().isNull()) {
         painter.setCompositionMode(QPainter::CompositionMode_Source);
@@ -731,7 +751,7 @@ HDC TWinControl::GetDeviceContext() {
         if (area.isEmpty()) return;
         FSurface.AddBlit(area);
         if (FWidget)
-            FWidget->update(LogicalOf(area.translated(BorderWidth(), BorderWidth()), DevicePixelRatio()));
+            FWidget->update(WidgetRectOf(area.translated(BorderWidth(), BorderWidth()), DevicePixelRatio()));
     });
     FLiveContexts.push_back(dc);
     return dc;
@@ -760,7 +780,7 @@ void TWinControl::ScrollWindow(int DX, int DY, const TRect* ScrollRect, const TR
     const double r = DevicePixelRatio();
     const int b = BorderWidth();
     for (const QRect& rect : changed + FSurface.Invalid())
-        FWidget->update(LogicalOf(rect.translated(b, b), r));
+        FWidget->update(WidgetRectOf(rect.translated(b, b), r));
 }
 
 bool TWinControl::IsWindowVisible() const {

@@ -163,15 +163,24 @@ public:
     virtual void DefaultHandler(TMessage& Message);
 
 protected:
-    // The dynamic handlers; the base versions fire the host's events.
-    virtual void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y);
-    virtual void MouseMove(TShiftState Shift, int X, int Y);
-    virtual void MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y);
+    // The dynamic handlers, with the position in device pixels of the client area. The base versions
+    // fire the host's events with it (`DoMouseDown`, ...); a control that reports its events in other
+    // units maps the position first and fires them itself (the draw box reports logical units).
+    virtual void MouseDown(TMouseButton Button, TShiftState Shift, int XDev, int YDev);
+    virtual void MouseMove(TShiftState Shift, int XDev, int YDev);
+    virtual void MouseUp(TMouseButton Button, TShiftState Shift, int XDev, int YDev);
     virtual void Click();
     virtual void DblClick();
     virtual void Resize();
-    virtual void DragOver(QObject* Source, int X, int Y, TDragState State, bool& Accept);
-    virtual void DragDrop(QObject* Source, int X, int Y);
+    virtual void DragOver(QObject* Source, int XDev, int YDev, TDragState State, bool& Accept);
+    virtual void DragDrop(QObject* Source, int XDev, int YDev);
+    // The host's events, with the position in the units the control reports its events in.
+    void DoMouseDown(TMouseButton Button, TShiftState Shift, int X, int Y);
+    void DoMouseMove(TShiftState Shift, int X, int Y);
+    void DoMouseUp(TMouseButton Button, TShiftState Shift, int X, int Y);
+    // `Accept` starts false, and true when the host has an `OnDragOver`, which may change it.
+    void DoDragOver(QObject* Source, int X, int Y, TDragState State, bool& Accept);
+    void DoDragDrop(QObject* Source, int X, int Y);
 
     // Mouse message handling of the framework: capture, click tracking, then the dynamic handlers.
     void HandleMouseMessage(TMessage& Message);
@@ -303,7 +312,7 @@ public:
     const QMimeData* DragData() const { return FDragData; }
 
     // Called by the widget; public for it only.
-    void QtPaint(const QRegion& ExposedLogical);
+    void QtPaint(const QRegion& ExposedWidgetPx);
     void QtResized();
     void QtEvent(TMessage& Message);
     void QtScrollAction(int Bar, int Action);

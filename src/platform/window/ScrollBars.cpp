@@ -44,8 +44,8 @@ const TWinControl::TBar& TWinControl::BarOf(int Bar) const {
 
 int TWinControl::ScrollBarExtent() const {
     const QStyle* style = FWidget ? FWidget->style() : QApplication::style();
-    const int logical = style ? style->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, FWidget.data()) : 16;
-    return static_cast<int>(std::lround(logical * DevicePixelRatio()));
+    const int widgetPx = style ? style->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, FWidget.data()) : 16;
+    return static_cast<int>(std::lround(widgetPx * DevicePixelRatio()));
 }
 
 void TWinControl::ApplyBar(TBar& B) {

@@ -119,9 +119,9 @@ public:
     }
 
 protected:
-    void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override {
+    void MouseDown(TMouseButton Button, TShiftState Shift, int XDev, int YDev) override {
         ++Downs;
-        TRecordingControl::MouseDown(Button, Shift, X, Y);
+        TRecordingControl::MouseDown(Button, Shift, XDev, YDev);
     }
 };
 
