@@ -460,6 +460,7 @@ void TCustomDrawBox::MouseDown(TMouseButton Button, TShiftState Shift, int XDev,
     if (!FTool || State.Contains(bsToolScroll)) return;
     const TPoint p = DevToLog(XDev, YDev);
     ActScaleSet = FScaleSetting.get();
+    RefuseKeyCombination(Shift);
     DoMouseDown(Button, Shift, p.x, p.y);
     if (!FTool) return; // the host's event may have ended the tool's life
     switch (Button) {

@@ -348,12 +348,16 @@ void TScrollPaint::WMPaint(TMessage& Message) {
     PaintHandler(Message);
 }
 
-void TScrollPaint::MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) {
+void TScrollPaint::MouseDown(TMouseButton Button, TShiftState Shift, int XDev, int YDev) {
+    RefuseKeyCombination(Shift);
+    TScrollBx::MouseDown(Button, Shift, XDev, YDev);
+}
+
+void TScrollPaint::RefuseKeyCombination(TShiftState Shift) {
     if (Shift.Contains(ssShift) && Shift.Contains(ssAlt) && Shift.Contains(ssCtrl) &&
         Shift.Contains(ssRight)) {
         MessageDlg(QStringLiteral("Tastenkombination nicht möglich!"), mtError, TMsgDlgButtons{mbOK}, 0);
     }
-    TScrollBx::MouseDown(Button, Shift, X, Y);
 }
 
 TRect TScrollPaint::StripToLog(const TRect* Strip) {

@@ -205,7 +205,9 @@ protected:
     void WMPaint(TMessage& Message) override;
     // Refuses the combination Shift+Alt+Ctrl with the right button with an error dialog, then the
     // inherited handling.
-    void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
+    void MouseDown(TMouseButton Button, TShiftState Shift, int XDev, int YDev) override;
+    // Shift, Alt and Ctrl with the right button: an error message, and the press goes on.
+    void RefuseKeyCombination(TShiftState Shift);
 
 private:
     TRect StripToLog(const TRect* Strip);
