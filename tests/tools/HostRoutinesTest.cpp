@@ -1,5 +1,5 @@
 // The routines with which a host moves, marks, hides and shows objects from code.
-#include "ObjectPaintSupport.h"
+#include "objects/ObjectPaintSupport.h"
 
 namespace vl::test {
 namespace {
