@@ -166,10 +166,10 @@ public:
     // Takes `Item` out of the store and the selection and frees it.
     void Erase(TvlObject* Item);
     // Clears every borrowed reference to `Gone`, which is leaving the drawing: the box's object under
-    // the mouse and the selection (null: to every object, for a store that empties). Every path by
-    // which objects leave the drawing calls it before they are freed: `Erase`, `DeleteObjects`,
-    // `Clear` and a load that replaces the content. The paste table holds numbers, not objects, and
-    // needs nothing.
+    // the mouse and the selection (null: to every object, for a store that empties or deletes its
+    // selection). Every path by which objects leave the drawing calls it before they are freed:
+    // `Erase`, `DeleteObjects`, `Clear` and a load that replaces the content. The paste table holds numbers,
+    // not objects, and needs nothing.
     void Purge(TvlObject* Gone);
     // The common tail of a deletion: the undo snapshot, `OnDeleteObjects`, an empty selection. The
     // objects are still there, marked `isDeleted`.

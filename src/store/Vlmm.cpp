@@ -187,13 +187,9 @@ void TvlDataModule::DeleteObjects() {
     FMarkCase->AllObjectsBack([](TvlObject* AnyObject, void*) { AnyObject->CanDelete(); }, nullptr);
     if (FMarkCase->Count() == 0) return;
     DoDeleteObjects();
-    // The object under the mouse is forgotten on every deletion, whether it goes or not.
-    if (FDrawForm) FDrawForm->SetMouseFnd(nullptr);
-    FObjCase->AllObjects(
-        [this](TvlObject* AnyObject, void*) {
-            if (AnyObject->State.Contains(isDeleted)) Purge(AnyObject);
-        },
-        nullptr);
+    // The deleted objects were the selection, which `DoDeleteObjects` has emptied; the object under
+    // the mouse is forgotten on every deletion, whether it goes or not. That is the purge of all.
+    Purge(nullptr);
     FObjCase->DeleteObjects();
     InvalidateRestoreRect();
 }

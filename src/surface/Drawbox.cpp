@@ -438,13 +438,8 @@ void TCustomDrawBox::DoBeforePaint() {
 
 void TCustomDrawBox::DoAfterPaint() {
     if (AfterPaint) AfterPaint(this);
-    TComponent* owner = Owner();
-    if (!owner) return;
-    for (int i = 0; i < owner->ComponentCount(); ++i) {
-        auto* creator = dynamic_cast<TBoxCreator*>(owner->Components(i));
-        auto* env = dynamic_cast<TEnvironment*>(owner->Components(i));
-        if (creator && env && env->FDrawForm == this) creator->ReleaseResources();
-    }
+    WithToolsDo(&TCustomDrawBox::Creators,
+                [](TComponent* c, bool&) { dynamic_cast<TBoxCreator*>(c)->ReleaseResources(); });
 }
 
 // ---------------------------------------------------------------------------------------------
