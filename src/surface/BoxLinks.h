@@ -105,7 +105,6 @@ public:
     virtual void LeftDblClk(TShiftState Shift, const TPoint& CurPos) = 0;
     virtual void RMouseDown(TShiftState Shift, const TPoint& CurPos) = 0;
     virtual void RMouseUp(TShiftState Shift, const TPoint& CurPos) = 0;
-    virtual void RightDblClk(TShiftState Shift, const TPoint& CurPos) = 0;
     virtual bool KeyDown(std::uint16_t& aKey, TShiftState aShift) = 0;
     virtual bool KeyUp(std::uint16_t& aKey, TShiftState aShift) = 0;
     virtual void Scroll(const TScrollProc& ScrollProc, const TPoint& CurPos) = 0;

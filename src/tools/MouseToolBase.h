@@ -67,7 +67,7 @@ public:
     void RMouseDown(TShiftState Shift, const TPoint& CurPos) override;
     void RMouseUp(TShiftState Shift, const TPoint& CurPos) override;
     // The box never calls it; a descendant may.
-    void RightDblClk(TShiftState Shift, const TPoint& CurPos) override;
+    virtual void RightDblClk(TShiftState Shift, const TPoint& CurPos);
     bool KeyDown(std::uint16_t& aKey, TShiftState aShift) override;
     bool KeyUp(std::uint16_t& aKey, TShiftState aShift) override;
     // Does nothing, and in particular does not call `ScrollProc`; a tool that wants the window to
