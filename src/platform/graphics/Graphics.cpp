@@ -231,7 +231,13 @@ HGDIOBJ TBrush::CreateObject() const {
 // TFont
 // ---------------------------------------------------------------------------------------------
 
-TFont::TFont() : FName(QStringLiteral("Tahoma")) {}
+void SetLogFontFace(LOGFONTW& lf, QStringView Face) {
+    const qsizetype n = std::min<qsizetype>(Face.size(), LF_FACESIZE - 1);
+    for (qsizetype i = 0; i < n; ++i) lf.lfFaceName[i] = Face.at(i).unicode();
+    for (qsizetype i = n; i < LF_FACESIZE; ++i) lf.lfFaceName[i] = 0;
+}
+
+TFont::TFont() : FName(QString::fromUtf16(DefFontName)) {}
 
 void TFont::SetName(const TFontName& Value) {
     if (Value.isEmpty() || FName == Value) return;
@@ -312,8 +318,7 @@ LOGFONTW TFont::LogFont() const {
     lf.lfPitchAndFamily = FPitch == fpVariable ? VARIABLE_PITCH
                           : FPitch == fpFixed  ? FIXED_PITCH
                                                : DEFAULT_PITCH;
-    const int n = std::min<int>(int(FName.size()), LF_FACESIZE - 1);
-    for (int i = 0; i < n; ++i) lf.lfFaceName[i] = char16_t(FName.at(i).unicode());
+    SetLogFontFace(lf, FName);
     return lf;
 }
 

@@ -167,6 +167,13 @@ using enum TFontPitch;
 using TFontCharset = std::uint8_t;
 using TFontName = QString;
 
+// The framework's default face: the name of a new font, and the face that the name "Default" stands
+// for where a logical font is built for a font of that name.
+inline constexpr char16_t DefFontName[] = u"Tahoma";
+
+// Writes `Face` into the face field of `lf`, cut to `LF_FACESIZE - 1` code units and terminated.
+void SetLogFontFace(LOGFONTW& lf, QStringView Face);
+
 // ---------------------------------------------------------------------------------------------
 // Graphics objects
 // ---------------------------------------------------------------------------------------------
