@@ -71,7 +71,6 @@ bool StretchBlt(HDC dest, int x, int y, int width, int height, HDC source, int s
         srcDev = source->LogToDevRect({sourceX, sourceY, sourceX + sourceWidth, sourceY + sourceHeight});
     }
     COLORREF pattern = static_cast<const TGdiBrush*>(dest->FState.Brush.Get())->FLogBrush.lbColor;
-    if (!dest->Backend().HasRasterOps() && useSource) rop = SRCCOPY;
     dest->Drawn(dest->Backend().Blt(destDev, image, srcDev, rop, pattern, dest->Clip()));
     return true;
 }
@@ -154,7 +153,6 @@ int StretchDIBits(HDC dest, int x, int y, int width, int height, int sourceX, in
     }
     const TRect destDev = dest->LogToDevRect({x, y, x + width, y + height});
     COLORREF pattern = static_cast<const TGdiBrush*>(dest->FState.Brush.Get())->FLogBrush.lbColor;
-    if (!dest->Backend().HasRasterOps()) rop = SRCCOPY;
     dest->Drawn(dest->Backend().Blt(destDev, &image, src, rop, pattern, dest->Clip()));
     return image.height();
 }

@@ -16,7 +16,10 @@
 //  - the raster device on a `QImage` (RGB32), which draws every pixel itself with exact rules
 //    (`CreateImageDC`, and memory contexts with a selected `HBITMAP`);
 //  - the paint-engine device on any `QPaintDevice` (PDF, SVG, picture), with the same mapping and
-//    geometry but Qt's own rendering; raster modes fall back to copy there (`CreatePaintDeviceDC`).
+//    geometry but Qt's own rendering (`CreatePaintDeviceDC`). Pen raster modes fall back to copy there;
+//    block transfers apply their operation to the source alone and leave out the pixels that would keep
+//    the destination, which is exact for the mask sequences of transparent pictures
+//    (PaintDeviceBackend.cpp lists the rules).
 #pragma once
 
 #include "platform/core/Types.h"

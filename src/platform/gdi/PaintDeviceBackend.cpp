@@ -1,8 +1,22 @@
 // The paint-engine device on any `QPaintDevice` (PDF writer, printer, SVG generator, picture): the
 // context's mapping and geometry, drawn by Qt. One-pixel pens are cosmetic lines through pixel centres;
 // shapes keep the excluded right and bottom edge of the raster device; regions are drawn as vector
-// paths. There are no raster modes: pen and brush output is always copied, and block transfers copy the
-// source (operations without a source fill black, white or the brush).
+// paths. Pen and brush output is always copied (there are no raster modes for them).
+//
+// Such a device cannot be read back, so block transfers emulate their raster operation on the source
+// alone. Each source pixel is looked at with the destination taken as black and as white:
+//  - a result that does not depend on the destination is drawn as it is (exact: SRCCOPY, NOTSRCCOPY,
+//    MERGECOPY, and every other operation that ignores the destination);
+//  - a result that is the destination in every bit leaves the pixel out (exact: white source pixels of
+//    SRCAND, black source pixels of SRCINVERT and SRCPAINT);
+//  - any other result is drawn as the result over a black destination, or over a white one when the
+//    black one gives black. This is exact where the destination really has that colour: the non-black
+//    pixels of SRCINVERT and SRCPAINT over black, the coloured pixels of SRCAND over white.
+// The transfer is drawn as an image whose left-out pixels are fully transparent, so what lies beneath
+// shows through; it is stored without lossy compression, as the raster device copies pixels exactly. The mask
+// sequences of transparent printing are therefore exact: SRCAND of a black-and-white mask, then SRCINVERT (or
+// SRCPAINT) of the picture made black where it is transparent. Operations without a source fill black, white
+// or the brush; the others without a source (DSTINVERT, PATINVERT) need the destination and draw nothing.
 
 #include "platform/gdi/DeviceBackend.h"
 
@@ -244,12 +258,38 @@ public:
         }
         const QRect from(std::min(src.Left, src.Right), std::min(src.Top, src.Bottom),
                          std::abs(src.Right - src.Left), std::abs(src.Bottom - src.Top));
+        if (from.isEmpty()) return {};
         const bool mirrorX = (dest.Right < dest.Left) != (src.Right < src.Left);
         const bool mirrorY = (dest.Bottom < dest.Top) != (src.Bottom < src.Top);
-        QImage part = source->copy(from);
+        QImage part = source->copy(from).convertToFormat(QImage::Format_RGB32);
         if (mirrorX || mirrorY) part = part.mirrored(mirrorX, mirrorY);
+        if (rop != SRCCOPY) part = EmulateRop(part, rop, ColorToPixel(pattern) & 0xFFFFFFu);
+        // The pixels go into a PDF as they are: its lossy compression would blur the edges of the
+        // left-out pixels and shift colours that the raster device copies exactly.
+        FPainter->setRenderHint(QPainter::LosslessImageRendering, true);
         FPainter->drawImage(target, part);
         return Intersect(RectOf(target, 0), clip.Box());
+    }
+
+    // The source after the raster operation, as far as it can be known without the destination: an
+    // ARGB32 image whose pixels that would keep the destination are fully transparent (see the top of
+    // this file).
+    static QImage EmulateRop(const QImage& source, std::uint32_t rop, std::uint32_t pat) {
+        QImage out(source.size(), QImage::Format_ARGB32);
+        for (int y = 0; y < source.height(); ++y) {
+            const auto* s = reinterpret_cast<const std::uint32_t*>(source.constScanLine(y));
+            auto* d = reinterpret_cast<std::uint32_t*>(out.scanLine(y));
+            for (int x = 0; x < source.width(); ++x) {
+                const std::uint32_t p = s[x] & 0xFFFFFFu;
+                const std::uint32_t overBlack = ApplyRop3(rop, pat, p, 0) & 0xFFFFFFu;
+                const std::uint32_t overWhite = ApplyRop3(rop, pat, p, 0xFFFFFFu) & 0xFFFFFFu;
+                if (overBlack == 0 && overWhite == 0xFFFFFFu)
+                    d[x] = 0; // the destination itself
+                else
+                    d[x] = 0xFF000000u | (overBlack != 0 ? overBlack : overWhite);
+            }
+        }
+        return out;
     }
 
     COLORREF GetPixel(std::int32_t, std::int32_t) override { return CLR_INVALID; }
