@@ -1,5 +1,6 @@
 #include "platform/graphics/Graphics.h"
 
+#include "platform/core/Assert.h"
 #include "platform/core/Numerics.h"
 #include "platform/graphics/Images.h"
 
@@ -527,6 +528,15 @@ TRect TCanvas::ClipRect() {
     TRect r;
     GetClipBox(Handle(), &r);
     return r;
+}
+
+void TCanvas::Lock() {
+    ++FLockCount;
+}
+
+void TCanvas::Unlock() {
+    VL_ASSERT(FLockCount > 0);
+    if (FLockCount > 0) --FLockCount;
 }
 
 } // namespace vl

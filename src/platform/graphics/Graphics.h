@@ -388,6 +388,14 @@ public:
     // The visible area in logical units.
     TRect ClipRect();
 
+    // The library draws from one thread only, so a lock guards nothing: `Lock` and `Unlock` only keep
+    // count of how deep the calls are nested, for code written to take the canvas around its drawing.
+    // Each `Unlock` must follow a `Lock`; one without leaves the count at 0 (an invariant violation
+    // that `VL_ASSERT` reports where checks are on).
+    void Lock();
+    void Unlock();
+    int LockCount() const { return FLockCount; }
+
     // Fired before and after every drawing operation.
     const TNotifyEvent& OnChange() const { return FOnChange; }
     void SetOnChange(TNotifyEvent Value) { FOnChange = std::move(Value); }
@@ -413,6 +421,7 @@ private:
     std::unique_ptr<TBrush> FBrush;
     std::unique_ptr<TFont> FFont;
     TCopyMode FCopyMode = cmSrcCopy;
+    int FLockCount = 0;
     TNotifyEvent FOnChange;
     TNotifyEvent FOnChanging;
 };

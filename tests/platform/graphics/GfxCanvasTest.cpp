@@ -355,12 +355,86 @@ TEST(GfxCanvas, TransparentIconDrawLeavesMaskedPixels) {
     image.setPixel(1, 0, qRgba(0, 255, 0, 0));
     TIcon icon;
     icon.SetImage(image);
-    TBitmap dst(3, 1);
+    TBitmap dst(6, 2);
     dst.Canvas().Brush().SetColor(clBlue);
-    dst.Canvas().FillRect(Rect(0, 0, 3, 1));
+    dst.Canvas().FillRect(Rect(0, 0, 6, 2));
     dst.Canvas().Draw(0, 0, &icon);
-    EXPECT_EQ(Row(dst, 0), "rbb");
+    // Stretched to three times its width, the masked half still keeps the destination.
+    dst.Canvas().StretchDraw(Rect(0, 1, 6, 2), &icon);
+    EXPECT_EQ(Rows(dst), (Picture{"rbbbbb", "rrrbbb"}));
 }
+
+TEST(GfxCanvas, StretchDrawOfTransparentBitmapLeavesTransparentPixelsAtAnyScale) {
+    // Red with lime on the right; the bottom-left pixel is red, so lime is set as a fixed colour.
+    TBitmap src(2, 1);
+    src.ScanLine(0)[0] = 0xFFFF0000u;
+    src.ScanLine(0)[1] = 0xFF00FF00u;
+    src.SetTransparentColor(clLime);
+    src.SetTransparent(true);
+    TBitmap dst(7, 2);
+    TCanvas& c = dst.Canvas();
+    c.Brush().SetColor(clBlue);
+    c.FillRect(Rect(0, 0, 7, 2));
+    c.StretchDraw(Rect(0, 0, 4, 2), &src);
+    // Mirrored by a reversed rectangle: the red half lands on the right.
+    c.StretchDraw(Rect(7, 0, 5, 1), &src);
+    EXPECT_EQ(Rows(dst), (Picture{"rrbbbbr", "rrbbbbb"}));
+    EXPECT_EQ(c.Pixels(2, 1), clBlue);
+    EXPECT_EQ(c.Pixels(1, 1), clRed);
+    // The mask of the same bitmap, drawn opaque, is white where lime was.
+    TBitmap mask;
+    mask.Assign(&src);
+    mask.Mask(src.TransparentColor());
+    mask.SetTransparent(false);
+    c.Draw(0, 1, &mask);
+    EXPECT_EQ(Row(dst, 1), "#.bbbbb");
+}
+
+TEST(GfxCanvas, TransparentDrawWithAutomaticColourFollowsTheBottomLeftPixel) {
+    TBitmap src(2, 2);
+    src.ScanLine(0)[0] = 0xFFFF0000u;
+    src.ScanLine(0)[1] = 0xFF0000FFu;
+    src.ScanLine(1)[0] = 0xFF0000FFu; // bottom left: blue is left out
+    src.ScanLine(1)[1] = 0xFFFF0000u;
+    src.SetTransparent(true);
+    TBitmap dst(2, 2);
+    dst.Canvas().Brush().SetColor(clLime);
+    dst.Canvas().FillRect(Rect(0, 0, 2, 2));
+    dst.Canvas().Draw(0, 0, &src);
+    EXPECT_EQ(Rows(dst), (Picture{"rg", "gr"}));
+}
+
+TEST(GfxCanvas, LockAndUnlockOnlyCountNesting) {
+    TBitmap bmp(2, 2);
+    TCanvas& c = bmp.Canvas();
+    EXPECT_EQ(c.LockCount(), 0);
+    c.Lock();
+    c.Lock();
+    EXPECT_EQ(c.LockCount(), 2);
+    // Drawing while locked is drawing as ever.
+    c.SetPixels(0, 0, clRed);
+    EXPECT_EQ(c.Pixels(0, 0), clRed);
+    c.Unlock();
+    EXPECT_EQ(c.LockCount(), 1);
+    c.Unlock();
+    EXPECT_EQ(c.LockCount(), 0);
+}
+
+#if defined(VELLORUM_ASSERTS)
+TEST(GfxCanvasDeathTest, UnlockWithoutLockIsAnInvariantViolation) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    TCanvas canvas;
+    EXPECT_DEATH(canvas.Unlock(), "invariant failed: FLockCount > 0");
+}
+#else
+TEST(GfxCanvas, UnlockWithoutLockLeavesTheCountAtZero) {
+    TCanvas canvas;
+    canvas.Unlock();
+    EXPECT_EQ(canvas.LockCount(), 0);
+    canvas.Lock();
+    EXPECT_EQ(canvas.LockCount(), 1);
+}
+#endif
 
 TEST(GfxCanvas, CopyRectCopiesWithCopyMode) {
     TBitmap src;
