@@ -3,7 +3,7 @@
 # test.sh and run.sh; safe to run again and again.
 
 VELLORUM_PACKAGES=(build-essential cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev
-                   qt6-base-dev qt6-svg-dev fonts-dejavu-core fonts-liberation2)
+                   qt6-base-dev qt6-svg-dev fonts-dejavu-core fonts-liberation2 poppler-utils)
 
 vellorum_install_deps() {
     local missing=()

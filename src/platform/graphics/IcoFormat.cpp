@@ -121,6 +121,24 @@ QImage TIcon::MaskImage() const {
     return mask;
 }
 
+bool GetIconInfo(const TIcon& Icon, TBitmap& Color, TBitmap& Mask) {
+    if (Icon.Empty()) {
+        Color.Assign(nullptr);
+        Mask.Assign(nullptr);
+        return false;
+    }
+    // Built aside and assigned, so that each bitmap changes once and takes the pixel format, colour
+    // table and transparency of the new one whatever it held before.
+    TBitmap colour;
+    colour.SetImage(Icon.ColorImage());
+    TBitmap mask;
+    mask.SetImage(Icon.MaskImage());
+    mask.SetPixelFormat(pf1bit);
+    Color.Assign(&colour);
+    Mask.Assign(&mask);
+    return true;
+}
+
 void TIcon::Draw(TCanvas& ACanvas, const TRect& Rect) {
     if (FImage.isNull()) return;
     if (Transparent())

@@ -260,6 +260,15 @@ private:
     TNotifyEvent FOnChange;
 };
 
+// The two bitmaps that make up an icon, as the device's icon information gives them: `Color` gets the
+// colour pixels as the icon stores them (also under its transparent part, normally black there;
+// pixel format `pfDevice`), `Mask` the AND mask, white where the icon is transparent and black where
+// it is opaque (pixel format `pf1bit`, colour table black and white). Both are the icon's size, opaque
+// (`Transparent` false), with one change notification each. Drawn with `StretchDIBits` (through
+// `StretchDIBitsOf`), the mask with SRCAND and then the colour pixels, made black under the mask, with
+// SRCINVERT show the icon over what lies beneath. An empty icon empties both and answers false.
+bool GetIconInfo(const TIcon& Icon, TBitmap& Color, TBitmap& Mask);
+
 namespace gfx {
 // Draws an image stretched onto `Rect` of the canvas, opaque, with the canvas's copy mode.
 void DrawImage(TCanvas& ACanvas, const TRect& Rect, const QImage& Image);
