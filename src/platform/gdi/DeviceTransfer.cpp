@@ -157,4 +157,25 @@ int StretchDIBits(HDC dest, int x, int y, int width, int height, int sourceX, in
     return image.height();
 }
 
+BITMAPINFO DibInfoOf(const QImage& image) {
+    BITMAPINFO info;
+    info.bmiHeader.biWidth = image.width();
+    info.bmiHeader.biHeight = -image.height();
+    info.bmiHeader.biBitCount = 32;
+    info.bmiHeader.biCompression = BI_RGB;
+    info.bmiHeader.biSizeImage = std::uint32_t(std::int64_t(image.width()) * image.height() * 4);
+    return info;
+}
+
+int StretchDIBitsOf(HDC dest, int x, int y, int width, int height, const QImage& image, std::uint32_t rop) {
+    if (image.isNull()) return 0;
+    // A 32-bit bitmap's fourth byte is not read, so the colours of an ARGB32 image pass unchanged, also
+    // where it is transparent; other formats are brought to that layout first.
+    const bool direct = image.format() == QImage::Format_RGB32 || image.format() == QImage::Format_ARGB32;
+    const QImage pixels = direct ? image : image.convertToFormat(QImage::Format_ARGB32);
+    const BITMAPINFO info = DibInfoOf(pixels);
+    return StretchDIBits(dest, x, y, width, height, 0, 0, pixels.width(), pixels.height(), pixels.constBits(),
+                         &info, DIB_RGB_COLORS, rop);
+}
+
 } // namespace vl

@@ -549,6 +549,12 @@ bool PatBlt(HDC dest, int x, int y, int width, int height, std::uint32_t rop);
 int StretchDIBits(HDC dest, int x, int y, int width, int height, int sourceX, int sourceY, int sourceWidth,
                   int sourceHeight, const void* bits, const BITMAPINFO* info, std::uint32_t usage,
                   std::uint32_t rop);
+// The header of a top-down 32-bit device-independent bitmap whose bits are those of an RGB32 or ARGB32
+// image (`image.constBits()`; the fourth byte of each pixel is not read).
+BITMAPINFO DibInfoOf(const QImage& image);
+// The whole of `image` (any format; alpha is ignored, the colours stay) stretched onto the destination
+// rectangle through `StretchDIBits` with `rop`. Answers what `StretchDIBits` answers (0 for a null image).
+int StretchDIBitsOf(HDC dest, int x, int y, int width, int height, const QImage& image, std::uint32_t rop);
 
 // ---------------------------------------------------------------------------------------------
 // Regions

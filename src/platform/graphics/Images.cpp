@@ -18,21 +18,8 @@ namespace gfx {
 
 namespace {
 
-// A top-down 32-bit DIB header for an RGB32 image.
-BITMAPINFO DibInfo(const QImage& image) {
-    BITMAPINFO info;
-    info.bmiHeader.biWidth = image.width();
-    info.bmiHeader.biHeight = -image.height();
-    info.bmiHeader.biBitCount = 32;
-    info.bmiHeader.biCompression = BI_RGB;
-    info.bmiHeader.biSizeImage = std::uint32_t(image.sizeInBytes());
-    return info;
-}
-
 void Stretch(HDC dc, const TRect& rect, const QImage& image, std::uint32_t rop) {
-    const BITMAPINFO info = DibInfo(image);
-    StretchDIBits(dc, rect.Left, rect.Top, rect.Width(), rect.Height(), 0, 0, image.width(), image.height(),
-                  image.constBits(), &info, DIB_RGB_COLORS, rop);
+    StretchDIBitsOf(dc, rect.Left, rect.Top, rect.Width(), rect.Height(), image, rop);
 }
 
 QImage Rgb32(const QImage& image) {

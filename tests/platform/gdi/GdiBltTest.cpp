@@ -221,5 +221,33 @@ TEST(GdiBlt, StretchDibitsRefusesBadInput) {
     EXPECT_EQ(StretchDIBits(s.Dc(), 0, 0, 1, 1, 0, 0, 1, 1, nullptr, &odd, DIB_RGB_COLORS, SRCCOPY), 0);
 }
 
+TEST(GdiBlt, DibInfoOfDescribesTheImageAsATopDownThirtyTwoBitBitmap) {
+    const QImage image(5, 3, QImage::Format_RGB32);
+    const BITMAPINFO info = DibInfoOf(image);
+    EXPECT_EQ(info.bmiHeader.biSize, 40u);
+    EXPECT_EQ(info.bmiHeader.biWidth, 5);
+    EXPECT_EQ(info.bmiHeader.biHeight, -3);
+    EXPECT_EQ(info.bmiHeader.biBitCount, 32);
+    EXPECT_EQ(info.bmiHeader.biCompression, BI_RGB);
+    EXPECT_EQ(info.bmiHeader.biSizeImage, 5u * 3u * 4u);
+}
+
+TEST(GdiBlt, StretchDibitsOfAnImageCopiesItsColoursWhateverItsFormat) {
+    // ARGB32 with a fully transparent pixel: its colour is copied all the same.
+    QImage argb(2, 1, QImage::Format_ARGB32);
+    argb.setPixel(0, 0, qRgba(255, 0, 0, 0));
+    argb.setPixel(1, 0, qRgba(0, 0, 255, 255));
+    TSurface s(6, 2);
+    EXPECT_EQ(StretchDIBitsOf(s.Dc(), 0, 0, 4, 1, argb, SRCCOPY), 1);
+    // A paletted image, converted first; its raster code applies (white AND keeps the destination).
+    QImage indexed(2, 1, QImage::Format_Indexed8);
+    indexed.setColorTable({qRgb(0, 0, 0), qRgb(255, 255, 255)});
+    indexed.setPixel(0, 0, 1);
+    indexed.setPixel(1, 0, 0);
+    EXPECT_EQ(StretchDIBitsOf(s.Dc(), 0, 1, 2, 1, indexed, SRCAND), 1);
+    EXPECT_EQ(s.Dump(), test::Rows({"rrbb..", ".#...."}));
+    EXPECT_EQ(StretchDIBitsOf(s.Dc(), 0, 0, 2, 1, QImage(), SRCCOPY), 0);
+}
+
 } // namespace
 } // namespace vl
