@@ -392,5 +392,20 @@ TEST(GfxFont, LogFontCarriesStylesPitchAndFace) {
     EXPECT_EQ(fromHandle.lfHeight, -20);
 }
 
+TEST(GfxFont, FaceNameIsCutToTheFieldAndTerminated) {
+    LOGFONTW lf;
+    SetLogFontFace(lf, u"Liberation Sans Narrow Condensed Extra Wide");
+    EXPECT_EQ(std::u16string(lf.lfFaceName), u"Liberation Sans Narrow Condense"); // 31 code units
+    // A shorter name leaves nothing of the longer one behind.
+    SetLogFontFace(lf, u"Arial");
+    EXPECT_EQ(std::u16string(lf.lfFaceName), u"Arial");
+    for (int i = 5; i < LF_FACESIZE; ++i) EXPECT_EQ(lf.lfFaceName[i], 0) << i;
+}
+
+TEST(GfxFont, ANewFontHasTheDefaultFace) {
+    EXPECT_EQ(TFont().Name(), QString::fromUtf16(DefFontName));
+    EXPECT_EQ(std::u16string(TFont().LogFont().lfFaceName), DefFontName);
+}
+
 } // namespace
 } // namespace vl
