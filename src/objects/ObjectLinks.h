@@ -10,6 +10,7 @@
 #pragma once
 
 #include "objects/TvlObject.h"
+#include "platform/graphics/Cursors.h"
 #include "surface/BoxLinks.h"
 
 #include <cstdint>
@@ -20,6 +21,7 @@ namespace vl {
 using TObjectEvent = std::function<void(TvlObject* CurrentObject)>;
 using TObjectRefPointEvent = std::function<void(TvlObject* CurrentObject, TPoint& RefPoint)>;
 using TObjectShapeRgnEvent = std::function<void(TvlObject* CurrentObject, TRgnMode Mode, HRGN& Rgn)>;
+using TObjectCheckEvent = std::function<void(TvlObject* CurrentObject, const TRect& PosRect, bool& found)>;
 
 // The tool that made an object, as the object sees it. A mix-in of the creator base, which is also a
 // `TBoxTool`.
@@ -42,6 +44,25 @@ public:
     TObjectRefPointEvent OnCalcRefPoint;
     // The host's region of an object's shape.
     TObjectShapeRgnEvent OnObjectShapeRgn;
+    // The host's outline of an object, in place of the class's own.
+    TObjectEvent OnObjectShape;
+    // The host's hit test of an object against the rectangle under the mouse.
+    TObjectCheckEvent OnObjectCheckShape;
+
+    // `OnObjectShape` if assigned.
+    void ObjectShape(TvlObject* CurObject) {
+        if (OnObjectShape) OnObjectShape(CurObject);
+    }
+    // True unless `OnObjectCheckShape` refuses. The handler's answer starts as True, so a handler
+    // that leaves it alone accepts the hit.
+    bool ObjectCheckShape(TvlObject* CurObject, const TLimRec& Rect) {
+        bool found = true;
+        if (OnObjectCheckShape)
+            OnObjectCheckShape(CurObject, vl::Rect(Rect.Xmin, Rect.Ymin, Rect.Xmax, Rect.Ymax), found);
+        return found;
+    }
+    // The cursor that an object found under the mouse shows when its generator has `goFndCursor`.
+    virtual TCursor FoundCursor() const = 0;
 };
 
 // The data module that holds an object, as the object sees it.

@@ -15,17 +15,8 @@
 
 namespace vl {
 
-namespace {
-
-TCanvas& CanvasOf(TScaleSetting& Scale) {
-    if (!Scale.Canvas()) throw Exception(QStringLiteral("No canvas in the scale setting"));
-    return *Scale.Canvas();
-}
-
-} // namespace
-
 void TvlObject::Show() {
-    TCanvas& canvas = CanvasOf(Scale());
+    TCanvas& canvas = ScaleCanvas();
     canvas.Pen().SetMode(pmCopy);
     SetWindowOrgEx(canvas.Handle(), -GetMinX(), -GetMinY());
     Draw();
@@ -41,7 +32,7 @@ void TvlObject::Hide() {
 
 void TvlObject::Print() {
     if (!Visible()) return;
-    SetWindowOrgEx(CanvasOf(Scale()).Handle(), -GetMinX(), -GetMinY());
+    SetWindowOrgEx(ScaleCanvas().Handle(), -GetMinX(), -GetMinY());
     Draw();
 }
 
@@ -64,7 +55,7 @@ void TvlObject::Draw() {
 void TvlObject::DrawShade() {
     TCustomDrawBox* box = DrawForm();
     if (!box) return;
-    TCanvas& canvas = CanvasOf(Scale());
+    TCanvas& canvas = ScaleCanvas();
     TShadows& shadows = box->Shadows();
     TPoint oldOrigin{0, 0};
     SetWindowOrgEx(canvas.Handle(), -(GetMinX() + shadows.dX()), -(GetMinY() + shadows.dY()), &oldOrigin);
@@ -93,7 +84,7 @@ HRGN TvlObject::CreateShapeRgn(TRgnMode Mode) {
     if (Mode == rmDev) {
         TRect r = GetRect_Lcl();
         TPoint corners[2] = {{r.Left, r.Top}, {r.Right, r.Bottom}};
-        LPtoDP(CanvasOf(Scale()).Handle(), corners, 2);
+        LPtoDP(ScaleCanvas().Handle(), corners, 2);
         r = Rect(corners[0].x, corners[0].y, corners[1].x, corners[1].y);
         RectDirection(r);
         switch (shape) {
@@ -137,7 +128,7 @@ HRGN TvlObject::CreateShapeRgn(TRgnMode Mode) {
 }
 
 void TvlObject::Drawmark() {
-    TCanvas& canvas = CanvasOf(Scale());
+    TCanvas& canvas = ScaleCanvas();
     TCustomGenerator* gen = Generator();
     TCustomDrawBox* box = DrawForm();
     const TColor markColor = box ? box->clMarkPen() : TColor(255);
@@ -160,7 +151,7 @@ void TvlObject::Mark() {
         if (TObjectStore* dm = GetDataModule()) dm->Mark(nullptr);
         return;
     }
-    SetWindowOrgEx(CanvasOf(Scale()).Handle(), -GetMinX(), -GetMinY());
+    SetWindowOrgEx(ScaleCanvas().Handle(), -GetMinX(), -GetMinY());
     State.Include(isMarked);
     Drawmark();
 }
@@ -173,7 +164,7 @@ TRect TvlObject::HandleRect(TPoint Center) const {
 void TvlObject::DrawHandle(TPoint Center) {
     const TRect r = HandleRect(Center);
     // The outline of a rectangle leaves out its right and bottom edges; one unit more brings them in.
-    CanvasOf(Scale()).Rectangle(r.Left, r.Top, r.Right + 1, r.Bottom + 1);
+    ScaleCanvas().Rectangle(r.Left, r.Top, r.Right + 1, r.Bottom + 1);
 }
 
 bool TvlObject::OnHandle(TPoint Pt, TPoint Center) const {
@@ -182,7 +173,7 @@ bool TvlObject::OnHandle(TPoint Pt, TPoint Center) const {
 }
 
 void TvlObject::DrawShadow() {
-    SetWindowOrgEx(CanvasOf(Scale()).Handle(), -GetMinX(), -GetMinY());
+    SetWindowOrgEx(ScaleCanvas().Handle(), -GetMinX(), -GetMinY());
     Shape();
 }
 

@@ -15,18 +15,6 @@
 
 namespace vl {
 
-namespace {
-
-// Adds a logical value and a difference with the wrap of two's complement, as the device does.
-std::int32_t WrapAdd(std::int32_t a, std::int32_t b) {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
-}
-std::int32_t WrapSub(std::int32_t a, std::int32_t b) {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
-}
-
-} // namespace
-
 void AddPasteID(const TPasteIDRec& Rec) {
     // The record list holds raw bytes; the three fields are laid out little-endian, 2 bytes each.
     std::uint8_t bytes[PasteIDRecSize];
@@ -103,6 +91,12 @@ void TvlObject::Connect(TvlDataMod* DataMod) {
 TScaleSetting& TvlObject::Scale() {
     if (!ActScaleSet) throw Exception(QStringLiteral("No scale setting in force"));
     return *ActScaleSet;
+}
+
+TCanvas& TvlObject::ScaleCanvas() {
+    TScaleSetting& scale = Scale();
+    if (!scale.Canvas()) throw Exception(QStringLiteral("No canvas in the scale setting"));
+    return *scale.Canvas();
 }
 
 // --- Virtual protocol: the plain base behaviours -------------------------------------------------
@@ -311,14 +305,9 @@ TRect TvlObject::GetRect_Lcl() {
 }
 
 TRect TvlObject::GetRect() {
-    TRect r = GetRect_Lcl();
-    const std::int32_t minX = GetMinX();
-    const std::int32_t minY = GetMinY();
-    r.Left = WrapAdd(r.Left, minX);
-    r.Right = WrapAdd(r.Right, minX);
-    r.Top = WrapAdd(r.Top, minY);
-    r.Bottom = WrapAdd(r.Bottom, minY);
-    return r;
+    const TRect r = GetRect_Lcl();
+    const TLimRec l = OffsetLimits(LimRec(r.Left, r.Top, r.Right, r.Bottom), GetMinX(), GetMinY());
+    return Rect(l.Xmin, l.Ymin, l.Xmax, l.Ymax);
 }
 
 TLimRec TvlObject::GetMaxLimits() {

@@ -43,6 +43,7 @@ class TCustomGenerator;
 class TCustomDrawBox;
 class TStream;
 class TFont;
+class TCanvas;
 class TPen;
 class TBrush;
 class TPicture;
@@ -413,6 +414,19 @@ protected:
     bool IsAnySlave() const { return State.Contains(isSlave) || State.Contains(isP1Slave); }
     // The scale setting in force; raises when there is none.
     static TScaleSetting& Scale();
+    // The canvas of the scale setting in force; raises when there is none.
+    static TCanvas& ScaleCanvas();
+    // A logical value plus or minus a difference, with the wrap of two's complement as the device has.
+    static std::int32_t WrapAdd(std::int32_t a, std::int32_t b) {
+        return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
+    }
+    static std::int32_t WrapSub(std::int32_t a, std::int32_t b) {
+        return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
+    }
+    // `L` moved by (`Dx`, `Dy`), with the same wrap.
+    static TLimRec OffsetLimits(TLimRec L, std::int32_t Dx, std::int32_t Dy) {
+        return LimRec(WrapAdd(L.Xmin, Dx), WrapAdd(L.Ymin, Dy), WrapAdd(L.Xmax, Dx), WrapAdd(L.Ymax, Dy));
+    }
 
     TObjectCreator* FTool = nullptr; // borrowed: the tool that made the object
     TPos Pos;

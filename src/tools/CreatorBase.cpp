@@ -165,15 +165,4 @@ void TvlCreator::ObjectColors(TvlObject* CurObject) {
     if (OnObjectSetColors) OnObjectSetColors(CurObject);
 }
 
-void TvlCreator::ObjectShape(TvlObject* CurObject) {
-    if (OnObjectShape) OnObjectShape(CurObject);
-}
-
-bool TvlCreator::ObjectCheckShape(TvlObject* CurObject, const TLimRec& Rect) {
-    bool found = true;
-    if (OnObjectCheckShape)
-        OnObjectCheckShape(CurObject, vl::Rect(Rect.Xmin, Rect.Ymin, Rect.Xmax, Rect.Ymax), found);
-    return found;
-}
-
 } // namespace vl

@@ -11,6 +11,7 @@
 #pragma once
 
 #include "objects/Generators.h"
+#include "objects/PointObj.h"
 #include "objects/TvlObject.h"
 #include "tools/MouseToolBase.h"
 
@@ -26,12 +27,10 @@ constexpr TNewID MinNewID = -32766;
 constexpr TNewID MaxNewID = -1;
 
 using TObjectClassEvent = std::function<void(TCapClass& NewObjectClass)>;
-using TObjectCheckEvent = std::function<void(TvlObject* CurrentObject, const TRect& PosRect, bool& found)>;
 using TChangeIDEvent = std::function<void(TObject* Sender, TNewID& NewID)>;
 
-// The class a creator makes while no other is chosen. The point objects' module installs its point
-// object here; until then creators make plain objects.
-inline TCapClass DefaultObjectClass = &NewObjectOf<TvlObject>;
+// The class a creator makes while no other is chosen: the point object.
+inline TCapClass DefaultObjectClass = &NewObjectOf<TPointObj>;
 
 class TvlCreator : public TSaveTool, public TObjectCreator {
 public:
@@ -82,10 +81,8 @@ public:
     TvlObject* CreateSlaveAt(TvlObject* AMaster, std::int32_t RelX, std::int32_t RelY);
     // Pen, brush and font of the canvas in force for `CurObject`; `OnObjectSetColors` has the last word.
     void ObjectColors(TvlObject* CurObject) override;
-    // `OnObjectShape` if assigned.
-    void ObjectShape(TvlObject* CurObject);
-    // True unless `OnObjectCheckShape` refuses.
-    bool ObjectCheckShape(TvlObject* CurObject, const TLimRec& Rect);
+    // The tool's cursor (`FCursor`).
+    TCursor FoundCursor() const override { return FCursor; }
 
     TCustomGenerator* Generator() const override { return FGenerator.get(); }
     TvlCreator* Creator() override { return this; }
@@ -93,12 +90,10 @@ public:
     bool CreateBoxObjects() const { return FCreateBoxObjects; }
     void SetCreateBoxObjects(bool Value) { FCreateBoxObjects = Value; }
 
-    // `OnObjectDraw`, `OnCalcRefPoint` and `OnObjectShapeRgn` are the object-facing events of
-    // `TObjectCreator`.
+    // `OnObjectDraw`, `OnCalcRefPoint`, `OnObjectShapeRgn`, `OnObjectShape` and
+    // `OnObjectCheckShape` are the object-facing events of `TObjectCreator`.
     TObjectClassEvent OnObjectSetClass;
-    TObjectEvent OnObjectShape;
     TObjectEvent OnObjectSetColors;
-    TObjectCheckEvent OnObjectCheckShape;
     TObjectEvent OnObjectSetData;
     TChangeIDEvent ChangeID;
 
