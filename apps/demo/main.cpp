@@ -8,6 +8,7 @@
 
 #include "geometry/Vltypes.h"
 #include "objects/Generators.h"
+#include "objects/PointObj.h"
 #include "objects/TvlObject.h"
 #include "platform/core/WinApi.h"
 #include "platform/graphics/Graphics.h"
@@ -32,6 +33,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -48,31 +50,20 @@ void DrawSheet(vl::TCustomDrawBox& Box) {
     canvas.TextOut(2000, 57000, QStringLiteral("Vellorum - scale 1:50, grid 1 m"));
 }
 
-// An object of the generator's size, marked by a frame; it draws in the tool's colours through the tool's
-// `OnObjectDraw`, as every object does.
-class TDemoObj : public vl::TvlObject {
+// A creator of point objects (the library's own shapes) that places one per click, numbered, in the
+// data module, shown at once.
+class TShapeCreator : public vl::TvlCreator {
 public:
-    explicit TDemoObj(vl::TvlCreator* ATool) : vl::TvlObject(ATool) {}
-    std::int32_t GetWidth() override { return Generator()->Width(); }
-    std::int32_t GetHeight() override { return Generator()->Height(); }
-    // The mark: a frame round the object in the box's mark pen, inside its limits so that a repaint of
-    // its area covers it.
-    void ShapeMark() override { vl::ActScaleSet->Canvas()->Rectangle(0, 0, GetWidth(), GetHeight()); }
-};
-
-// A creator that makes one object per click, numbered, in the data module, shown at once.
-class TDemoCreator : public vl::TvlCreator {
-public:
-    explicit TDemoCreator(vl::TComponent* AOwner) : vl::TvlCreator(AOwner) { CreateGenerator(); }
+    explicit TShapeCreator(vl::TComponent* AOwner) : vl::TvlCreator(AOwner) { CreateGenerator(); }
     void CreateGenerator() override { FGenerator = std::make_unique<vl::TPtGenerator>(); }
-    vl::TCapClass DefaultClass() override { return &vl::NewObjectOf<TDemoObj>; }
     vl::TvlObject* SetNewObj(const vl::TPoint& CurPos) override { return PlaceNewObject(CurPos); }
 };
 
 // The pointer: a click selects the frontmost object under the mouse and draws its mark (with Shift
 // it joins the selection, or leaves it when it was in it already); a click on empty paper clears the
-// selection. The Delete key deletes the marked objects. A right click in any other tool comes back
-// here.
+// selection. A single marked object shows its rotate handle; dragging the handle turns the object
+// after the mouse. The Delete key deletes the marked objects; R turns them by 15 degrees round their
+// hot spots (Shift+R back). A right click in any other tool comes back here.
 class TDemoPointer : public vl::TSaveTool {
 public:
     explicit TDemoPointer(vl::TComponent* AOwner) : vl::TSaveTool(AOwner) {}
@@ -83,6 +74,7 @@ public:
     void LMouseDown(vl::TShiftState Shift, const vl::TPoint& CurPos) override {
         vl::TvlDataModule* dm = Store();
         if (!dm) return;
+        if (StartTurn(CurPos)) return;
         vl::TvlObject* hit = nullptr;
         if (!dm->Empty()) {
             // The unit square at the point, as the store's own search builds it; the last object in
@@ -104,17 +96,78 @@ public:
         }
         if (hit && hit->Selected() && dm->MarkCount() == 1) return;
         if (dm->MarkCount() > 0) dm->UnmarkAll();
-        if (hit) dm->Mark(hit);
+        if (hit) {
+            hit->SetSizing(true);
+            dm->Mark(hit);
+        }
+    }
+
+    // A press on the rotate handle of the one marked object starts turning it.
+    bool StartTurn(const vl::TPoint& CurPos) {
+        vl::TvlDataModule* dm = Store();
+        if (dm->MarkCount() != 1) return false;
+        vl::TvlObject* obj = dm->Marked(0);
+        if (!obj->GetSizing()) return false;
+        const vl::TPoint local = vl::Point(CurPos.x - obj->MinX(), CurPos.y - obj->MinY());
+        if (!obj->SizingHandles(local, vl::smCheck) || vl::SizingHandle != vl::szRotate) return false;
+        FTurning = obj;
+        FLast = CurPos;
+        return true;
+    }
+
+    // While the handle is held the object turns by each step of the mouse.
+    void MouseMove(vl::TShiftState Shift, const vl::TPoint& CurPos) override {
+        vl::TSaveTool::MouseMove(Shift, CurPos);
+        if (!FTurning) return;
+        FTurning->Invalidate();
+        // A paint of the marked object lets go of the handle (its handle drawing resets it), so the
+        // held handle is named again before each step.
+        vl::SizingHandle = vl::szRotate;
+        FTurning->MovePos(vl::Point(CurPos.x - FLast.x, CurPos.y - FLast.y));
+        FTurning->Invalidate();
+        FLast = CurPos;
+        if (vl::TvlDataModule* dm = Store()) dm->InvalidateRestoreRect();
+    }
+
+    void LMouseUp(vl::TShiftState Shift, const vl::TPoint& CurPos) override {
+        vl::TSaveTool::LMouseUp(Shift, CurPos);
+        if (!FTurning) return;
+        FTurning = nullptr;
+        vl::SizingHandle = vl::szNone;
     }
 
     bool KeyDown(std::uint16_t& aKey, vl::TShiftState aShift) override {
-        (void)aShift;
         vl::TvlDataModule* dm = Store();
-        if (aKey != vl::VK_DELETE || !dm || dm->MarkCount() == 0) return false;
-        // Deletes what is marked and flushes the restore rect that the deleted objects grew.
-        dm->DeleteObjects();
-        return true;
+        if (!dm || dm->MarkCount() == 0) return false;
+        if (aKey == vl::VK_DELETE) {
+            FTurning = nullptr;
+            // Deletes what is marked and flushes the restore rect that the deleted objects grew.
+            dm->DeleteObjects();
+            return true;
+        }
+        if (aKey == 'R') {
+            TurnMarked(aShift.Contains(vl::ssShift) ? -TurnStep : TurnStep);
+            return true;
+        }
+        return false;
     }
+
+    // Turns every marked object round its own position and repaints what they covered.
+    void TurnMarked(double Delta) {
+        vl::TvlDataModule* dm = Store();
+        if (!dm) return;
+        for (int i = 0; i < dm->MarkCount(); ++i) {
+            vl::TvlObject* obj = dm->Marked(i);
+            obj->Rotate(obj->Pos_Log(), Delta);
+        }
+        dm->InvalidateRestoreRect();
+    }
+
+    static constexpr double TurnStep = 3.14159265358979323846 / 12;
+
+private:
+    vl::TvlObject* FTurning = nullptr; // the object whose rotate handle is held
+    vl::TPoint FLast{0, 0};
 };
 
 // A palette button that shows whether its tool is current.
@@ -175,37 +228,50 @@ int main(int argc, char** argv) {
     pointer->SetOptions(vl::TToolOptions{vl::toDefaultTool});
     pointer->SetCursor(vl::crArrow);
 
-    auto* circles = new TDemoCreator(&form);
-    circles->SetName(QStringLiteral("Circles"));
-    circles->SetDrawForm(box);
-    circles->Generator()->SetWidth(4000);
-    circles->Generator()->SetHeight(4000);
-    circles->Generator()->Pen().SetColor(vl::clMaroon);
-    circles->Generator()->Brush().SetColor(0x80C0FF);
-    circles->OnObjectDraw = [](vl::TvlObject* Obj) {
-        vl::ActScaleSet->Canvas()->Ellipse(0, 0, Obj->GetWidth(), Obj->GetHeight());
+    // The shape creators: each makes point objects of one shape; all of them can be turned.
+    struct ShapeTool {
+        const char* Name;
+        const char* Caption;
+        vl::TShapetype Shape;
+        std::int32_t Width, Height;
+        vl::TColor Pen, Brush;
+        double Turn; // degrees that new objects start with
     };
-
-    auto* boxes = new TDemoCreator(&form);
-    boxes->SetName(QStringLiteral("Boxes"));
-    boxes->SetDrawForm(box);
-    boxes->Generator()->SetWidth(6000);
-    boxes->Generator()->SetHeight(3000);
-    boxes->Generator()->SetCounter(1); // numbered apart from the circles
-    boxes->Generator()->Pen().SetColor(vl::clGreen);
-    boxes->Generator()->Pen().SetWidth(60);
-    boxes->Generator()->Brush().SetColor(0xC0FFC0);
-    boxes->OnObjectDraw = [](vl::TvlObject* Obj) {
-        vl::TCanvas& canvas = *vl::ActScaleSet->Canvas();
-        canvas.Rectangle(0, 0, Obj->GetWidth(), Obj->GetHeight());
-        canvas.Brush().SetStyle(vl::bsClear);
-        canvas.Font().SetHeight(-1200);
-        canvas.TextOut(400, Obj->GetHeight() - 600, QStringLiteral("#%1").arg(Obj->ID()));
+    const ShapeTool shapeTools[] = {
+        {"Rectangles", "Rectangle", vl::stRectangle, 6000, 3000, vl::clGreen, 0xC0FFC0, 0},
+        {"Ellipses", "Ellipse", vl::stEllipse, 6000, 3500, vl::clMaroon, 0x80C0FF, 0},
+        {"Circles", "Circle", vl::stCircle, 4000, 4000, vl::clNavy, 0xFFE0C0, 0},
+        {"Rounded", "Rounded", vl::stRoundRect, 7000, 3500, vl::clPurple, 0xFFC0FF, 0},
+        {"Turned", "Turned", vl::stRectangle, 6000, 2000, vl::clTeal, 0xE0FFFF, 30},
     };
+    std::vector<TShapeCreator*> creators;
+    for (const ShapeTool& t : shapeTools) {
+        auto* tool = new TShapeCreator(&form);
+        tool->SetName(QString::fromLatin1(t.Name));
+        tool->SetDrawForm(box);
+        vl::TCustomGenerator& gen = *tool->Generator();
+        gen.SetShape(t.Shape);
+        gen.SetWidth(t.Width);
+        gen.SetHeight(t.Height);
+        gen.SetHotspotX(t.Width / 2); // objects stand and turn on their centres
+        gen.SetHotspotY(t.Height / 2);
+        gen.SetOptions(vl::TGeneratorOptions{vl::goRotation});
+        gen.Pen().SetColor(t.Pen);
+        gen.Pen().SetWidth(40);
+        gen.Brush().SetColor(t.Brush);
+        gen.SetCounter(static_cast<std::uint16_t>(creators.size()));
+        if (t.Turn != 0) {
+            const double turn = t.Turn;
+            tool->OnObjectSetData = [turn](vl::TvlObject* Obj) {
+                if (auto* point = dynamic_cast<vl::TPointObj*>(Obj)) point->SetAlpha_DEG(turn);
+            };
+        }
+        creators.push_back(tool);
+    }
 
     PaletteButton(form, *pointer, QStringLiteral("Pointer"), 0);
-    PaletteButton(form, *circles, QStringLiteral("Circles"), 1);
-    PaletteButton(form, *boxes, QStringLiteral("Boxes"), 2);
+    for (std::size_t i = 0; i < creators.size(); ++i)
+        PaletteButton(form, *creators[i], QString::fromLatin1(shapeTools[i].Caption), int(i) + 1);
 
     form.BeginLoadingAll();
     form.LoadedAll();
@@ -218,33 +284,43 @@ int main(int argc, char** argv) {
         return app.exec();
     }
 
-    // What a user would do with the palette: pick a creator and click in the drawing, then pick the
-    // pointer, select an object and delete it with the Delete key, and select another one.
+    // What a user would do with the palette: pick each creator and click in the drawing, then pick the
+    // pointer, select an object and delete it with the Delete key, select another and turn it with R.
     form.Show();
     QApplication::processEvents();
-    static_cast<vl::TSpeedButton*>(circles->Button())->Click();
-    for (int i = 0; i < 4; ++i) circles->SetNewObj(vl::Point(6000 + i * 9000, 30000 + (i % 2) * 8000));
-    static_cast<vl::TSpeedButton*>(boxes->Button())->Click();
-    boxes->SetNewObj(vl::Point(10000, 10000));
-    vl::TvlObject* kept = boxes->SetNewObj(vl::Point(40000, 14000));
-    vl::TvlObject* doomed = boxes->SetNewObj(vl::Point(62000, 8000));
+    const auto place = [&](std::size_t Tool, std::int32_t X, std::int32_t Y) {
+        static_cast<vl::TSpeedButton*>(creators[Tool]->Button())->Click();
+        return creators[Tool]->SetNewObj(vl::Point(X, Y));
+    };
+    place(0, 9000, 44000);
+    place(1, 24000, 44000);
+    place(2, 39000, 44000);
+    place(3, 56000, 44000);
+    vl::TvlObject* turned = place(4, 12000, 24000);
+    vl::TvlObject* doomed = place(0, 30000, 24000);
+    vl::TvlObject* kept = place(3, 50000, 22000);
+    place(1, 66000, 12000);
+    place(2, 8000, 9000);
     box->InvalidateRestoreRect();
     QApplication::processEvents();
 
     static_cast<vl::TSpeedButton*>(pointer->Button())->Click();
-    const auto centre = [](vl::TvlObject* Obj) {
-        const vl::TLimRec l = Obj->GetLimits();
-        return vl::Point((l.Xmin + l.Xmax) / 2, (l.Ymin + l.Ymax) / 2);
-    };
+    const auto centre = [](vl::TvlObject* Obj) { return Obj->Pos_Log(); };
     pointer->LMouseDown(vl::TShiftState{}, centre(doomed));
     std::uint16_t key = vl::VK_DELETE;
     const bool deleted = pointer->KeyDown(key, vl::TShiftState{});
     pointer->LMouseDown(vl::TShiftState{}, centre(kept));
+    key = 'R';
+    for (int i = 0; i < 3; ++i) pointer->KeyDown(key, vl::TShiftState{});
     QApplication::processEvents();
     vl::TvlDataModule* store = pointer->Store();
-    std::printf("vellorum_demo: %d objects, %d marked (#%d)%s\n", store ? store->GetCount() : 0,
-                store ? store->MarkCount() : 0, store && store->MarkCount() > 0 ? store->Marked(0)->ID() : 0,
-                deleted ? ", one deleted with the Delete key" : "");
+    auto* turnedPoint = dynamic_cast<vl::TPointObj*>(turned);
+    auto* keptPoint = dynamic_cast<vl::TPointObj*>(kept);
+    std::printf("vellorum_demo: %d objects, %d marked (#%d)%s; turned %.1f and %.1f degrees\n",
+                store ? store->GetCount() : 0, store ? store->MarkCount() : 0,
+                store && store->MarkCount() > 0 ? store->Marked(0)->ID() : 0,
+                deleted ? ", one deleted with the Delete key" : "",
+                turnedPoint ? turnedPoint->Alpha_DEG() : 0.0, keptPoint ? keptPoint->Alpha_DEG() : 0.0);
 
     box->Invalidate();
     box->Update();
