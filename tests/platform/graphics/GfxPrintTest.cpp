@@ -8,14 +8,13 @@
 #include "platform/core/Streams.h"
 #include "platform/graphics/Graphics.h"
 #include "platform/graphics/Images.h"
+#include "support/PdfRender.h"
 
 #include <QBuffer>
 #include <QPainter>
 #include <QPdfWriter>
 #include <QPicture>
 #include <QPrinter>
-#include <QProcess>
-#include <QStandardPaths>
 #include <QSvgGenerator>
 #include <QSvgRenderer>
 #include <QTemporaryDir>
@@ -273,31 +272,8 @@ QImage OnSvg(const TDraw& draw) {
     return page;
 }
 
-// A PDF page rendered back to page pixels by poppler's pdftoppm, without anti-aliasing. Poppler fills
-// the device pixel at an image's right and bottom edge too (at any resolution; the page content places
-// the picture exactly on its rectangle), so the page is rendered at three times its resolution and
-// each page pixel is read at its centre, away from its edges.
 QImage RenderPdf(const QString& pdf) {
-    const QString tool = QStandardPaths::findExecutable(QStringLiteral("pdftoppm"));
-    EXPECT_FALSE(tool.isEmpty()) << "pdftoppm (poppler-utils) renders the PDF back to pixels";
-    if (tool.isEmpty()) return {};
-    constexpr int Oversample = 3;
-    const QString prefix = pdf + QStringLiteral(".page");
-    QProcess process;
-    process.start(tool, {QStringLiteral("-r"), QString::number(72 * Oversample), QStringLiteral("-aa"),
-                         QStringLiteral("no"), QStringLiteral("-aaVector"), QStringLiteral("no"),
-                         QStringLiteral("-png"), QStringLiteral("-singlefile"), pdf, prefix});
-    EXPECT_TRUE(process.waitForFinished(30000));
-    EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
-    const QImage rendered = QImage(prefix + QStringLiteral(".png")).convertToFormat(QImage::Format_RGB32);
-    if (rendered.width() != PageWidth * Oversample || rendered.height() != PageHeight * Oversample)
-        return rendered;
-    QImage page(PageWidth, PageHeight, QImage::Format_RGB32);
-    for (int y = 0; y < PageHeight; ++y)
-        for (int x = 0; x < PageWidth; ++x)
-            page.setPixel(x, y,
-                          rendered.pixel(Oversample * x + Oversample / 2, Oversample * y + Oversample / 2));
-    return page;
+    return test::RenderPdf(pdf, PageWidth, PageHeight);
 }
 
 QPageSize PageSize() {
