@@ -176,5 +176,71 @@ TEST_F(PointPicture, TurnedPictureObjectDrawsItsTurnedOutlineInsteadOfThePixels)
     EXPECT_GT(CountColour(painted, 0x000000), 0);
 }
 
+// A picture that the metafile codec claims: the test's stand-in codec takes every bitmap for a
+// metafile and records how it is asked to turn it.
+class MetafileHook : public PointFixture {
+protected:
+    void SetUp() override {
+        PointFixture::SetUp();
+        SetOptions({goRotation});
+        Picture = FilledBitmap(40, 20, Green);
+        Gen().SetPicture(Picture.get());
+        Gen().SetHotspotX(5);
+        Gen().SetHotspotY(3);
+        Gen().Pen().SetStyle(psClear);
+    }
+    TScopedValue<TMetafileTest> Test{
+        IsMetafileGraphic, [](const TGraphic& G) { return dynamic_cast<const TBitmap*>(&G) != nullptr; }};
+    TScopedValue<TRotatedMetafileDrawer> Drawer{RotatedMetafileDrawer,
+                                                [this](HDC, TGraphic&, TPoint HotSpot, double Angle) {
+                                                    Calls.push_back({HotSpot, Angle});
+                                                    if (Throw) throw Exception(QStringLiteral("bad record"));
+                                                }};
+    struct Call {
+        TPoint HotSpot;
+        double Angle;
+    };
+    std::vector<Call> Calls;
+    bool Throw = false;
+    std::unique_ptr<TBitmap> Picture;
+};
+
+TEST_F(MetafileHook, UnturnedMetafileDrawsAsItIs) {
+    Tool->Place(Point(100, 60));
+    EXPECT_EQ(CountColour(Painted(), Green), 40 * 20);
+    EXPECT_TRUE(Calls.empty());
+}
+
+TEST_F(MetafileHook, TurnedMetafileGoesToTheCodecWithTheHotSpotInDevicePixels) {
+    TPointObj* obj = Tool->Place(Point(100, 60));
+    obj->SetAlphaPlain(500);
+    Painted();
+    ASSERT_FALSE(Calls.empty());
+    EXPECT_EQ(Calls.back().HotSpot, Point(100, 60));
+    EXPECT_DOUBLE_EQ(Calls.back().Angle, 0.5);
+}
+
+TEST_F(MetafileHook, OneFlippedAxisTurnsTheOtherWayWithTheHotSpotLeftLocal) {
+    Box->ScaleSetting().SetOrigin(TOrigin::LeftBottom);
+    Box->ScaleSetting().SetVPOrg(Point(0, 199));
+    TPointObj* obj = Tool->Place(Point(100, 60));
+    obj->SetAlphaPlain(500);
+    Painted();
+    ASSERT_FALSE(Calls.empty());
+    EXPECT_EQ(Calls.back().HotSpot, Point(5, 3));
+    EXPECT_DOUBLE_EQ(Calls.back().Angle, -0.5);
+}
+
+TEST_F(MetafileHook, FailingCodecBeepsAndThePaintGoesOn) {
+    Throw = true;
+    TPointObj* obj = Tool->Place(Point(100, 60));
+    obj->SetAlphaPlain(500);
+    Painted();
+    ASSERT_FALSE(Calls.empty());
+    ASSERT_FALSE(Dialogs.Beeps.empty());
+    EXPECT_EQ(Dialogs.Beeps.back(), 1u);
+    EXPECT_EQ(Box->ScaleSetting().Canvas()->LockCount(), 0) << "the canvas is unlocked again";
+}
+
 } // namespace
 } // namespace vl::test

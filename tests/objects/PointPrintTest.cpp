@@ -166,6 +166,51 @@ TEST_F(PointPrint, FrameIsPrintedOverThePicture) {
     EXPECT_EQ(DifferingPixels(OnPdf(), raster), 0);
 }
 
+// The same picture as an icon: fully transparent where the bitmap is fuchsia.
+void UseIconPicture(TCustomGenerator& Gen) {
+    QImage image(5, 3, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    image.setPixel(1, 1, 0xFF000000u | Red);
+    image.setPixel(3, 1, 0xFF000000u | Blue);
+    TIcon icon;
+    icon.SetImage(image);
+    Gen.SetPicture(&icon);
+    Gen.SetWidth(50);
+    Gen.SetHeight(30);
+}
+
+TEST_F(PointPrint, TransparentIconShowsTheBackgroundOnEveryDevice) {
+    UseIconPicture(Gen());
+    Gen().Brush().SetStyle(bsClear);
+    const QImage raster = OnRaster();
+    ExpectTransparentPrint(raster);
+    EXPECT_EQ(DifferingPixels(OnPicture(), raster), 0);
+    EXPECT_EQ(DifferingPixels(OnPdf(), raster), 0);
+}
+
+TEST_F(PointPrint, IconWithASolidBrushPrintsItsColourBitmap) {
+    UseIconPicture(Gen());
+    const QImage raster = OnRaster();
+    // The colour bitmap holds black under the transparent part.
+    EXPECT_EQ(raster.pixel(35, 25) & 0xFFFFFF, 0x000000u);
+    EXPECT_EQ(raster.pixel(45, 35) & 0xFFFFFF, Red);
+    EXPECT_EQ(DifferingPixels(OnPdf(), raster), 0);
+}
+
+TEST_F(PointPrint, HostDrawingReplacesThePrintedPicture) {
+    Gen().Pen().SetStyle(psSolid);
+    Gen().Pen().SetColor(clBlack);
+    int drawn = 0;
+    Tool->OnObjectDraw = [&](TvlObject*) {
+        ++drawn;
+        ActScaleSet->Canvas()->Rectangle(0, 0, 10, 10);
+    };
+    const QImage raster = OnRaster();
+    EXPECT_EQ(drawn, 1);
+    EXPECT_EQ(CountColour(raster, Red), 0) << "the picture is not printed";
+    EXPECT_EQ(raster.pixel(30, 20) & 0xFFFFFF, 0x000000u) << "the host's frame in the tool's pen";
+}
+
 TEST_F(PointPrint, InvisibleObjectPrintsNothing) {
     Obj->SetVisible(false);
     const QImage raster = OnRaster();

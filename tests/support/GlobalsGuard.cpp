@@ -2,6 +2,7 @@
 
 #include "geometry/FileHeader.h"
 #include "geometry/Vltypes.h"
+#include "objects/PointObj.h"
 #include "objects/TvlObject.h"
 #include "platform/gdi/Gdi.h"
 #include "platform/graphics/Cursors.h"
@@ -110,6 +111,8 @@ TGlobalsSnapshot SnapshotGlobals() {
     add("InfoboxFactory", HookState(InfoboxFactory));
     add("DefaultObjectClass", HookState(DefaultObjectClass));
     add("MetafileReader", HookState(MetafileReader));
+    add("RotatedMetafileDrawer", HookState(RotatedMetafileDrawer));
+    add("IsMetafileGraphic", HookState(IsMetafileGraphic));
 
     // The settings.
     number("MaxCoord", MaxCoord);
