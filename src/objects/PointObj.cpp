@@ -164,7 +164,7 @@ bool TPointObj::CheckShape(const TLimRec& CurLims) {
     return result;
 }
 
-bool TPointObj::CheckLineShape(const TLimRec& CurLims) {
+TLimRec TPointObj::LineHitRect(const TLimRec& CurLims) {
     TLimRec r = CurLims;
     if (WrapSub(r.Xmax, r.Xmin) == 1 && WrapSub(r.Ymax, r.Ymin) == 1) {
         r.Xmin = WrapSub(r.Xmin, Lin_prec / 2);
@@ -172,6 +172,11 @@ bool TPointObj::CheckLineShape(const TLimRec& CurLims) {
         r.Xmax = WrapAdd(r.Xmax, Lin_prec / 2);
         r.Ymax = WrapAdd(r.Ymax, Lin_prec / 2);
     }
+    return r;
+}
+
+bool TPointObj::CheckLineShape(const TLimRec& CurLims) {
+    const TLimRec r = LineHitRect(CurLims);
     TCustomGenerator* gen = Generator();
     const bool falling = !gen || (gen->Width() >= 0 && gen->Height() >= 0);
     if (falling) return LineInRect(Point(GetMinX(), GetMinY()), Point(GetMaxX(), GetMaxY()), r);

@@ -122,6 +122,9 @@ protected:
     // The four sides of a rectangle as four lines, each one unit short of the next corner, so that an
     // inverting pen touches no corner twice.
     void RectOutline(std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b);
+    // The rectangle of a line hit test: exactly 1 by 1 (a mouse point) it is widened by
+    // `Lin_prec / 2` on every side; any other stays as it is.
+    static TLimRec LineHitRect(const TLimRec& CurLims);
 
     std::int16_t FAlpha = 0;
 
