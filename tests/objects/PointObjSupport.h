@@ -52,6 +52,7 @@ protected:
         Slaves = new TPointTool(Form.get());
         Slaves->SetName(QStringLiteral("Slaves"));
         Slaves->SetDrawForm(Box);
+        MakeTools();
         LoadForm();
         ShowForm();
         Store = dynamic_cast<TvlDataModule*>(Box->DataModule());
@@ -67,6 +68,10 @@ protected:
         SetFileHeader();
         Screen.SetPixelsPerInch(0);
     }
+
+    // A derived fixture's own tools, made on the form before it is loaded, so that they outlive the
+    // data module's objects as `Slaves` does.
+    virtual void MakeTools() {}
 
     TCustomGenerator& Gen() { return *Tool->Generator(); }
     TCanvas& Canvas() { return *Box->ScaleSetting().Canvas(); }
