@@ -255,7 +255,8 @@ void TLineObj::Rotate(TPoint Origin, double Delta) {
 // --- Outline and hit test -------------------------------------------------------------------------
 
 void TLineObj::ShapeLine() {
-    // The ends are absolute; the window origin that the caller set makes them local.
+    // The ends are absolute; the window origin that the caller set makes them local. Any shift of
+    // that origin is taken back with it, a shadow's included: a line's shadow lies under the line.
     TCanvas& canvas = ScaleCanvas();
     TPoint o{0, 0};
     GetWindowOrgEx(canvas.Handle(), &o);

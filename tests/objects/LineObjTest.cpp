@@ -10,6 +10,7 @@
 #include "platform/core/Streams.h"
 #include "platform/graphics/Cursors.h"
 #include "support/InputHelpers.h"
+#include "surface/Grid.h"
 
 #include <cmath>
 #include <numbers>
@@ -924,6 +925,18 @@ TEST_F(LineObj, LineBetweenTwoPointMastersIsDrawnFromMasterToMaster) {
     EXPECT_EQ(DifferingPixels(painted, expected), 0);
     // The line itself: black between the masters.
     EXPECT_EQ(painted.pixel(120, 80) & 0xFFFFFF, 0u);
+}
+
+TEST_F(LineObj, ShadowOfALineLiesUnderTheLine) {
+    // The line reads the window origin that the shadow shifts, and so takes the shift back.
+    SetLineOptions({goShadows});
+    ASSERT_NE(Box->Shadows().dX(), 0);
+    Lines->Place(Point(40, 40), Point(200, 120));
+    const QImage expected = Reference(Point(0, 0), [](TCanvas&, HDC Dc) {
+        MoveToEx(Dc, 40, 40, nullptr);
+        LineTo(Dc, 200, 120);
+    });
+    EXPECT_EQ(DifferingPixels(Painted(), expected), 0);
 }
 
 TEST_F(LineObj, BoxShapesSpanTheTwoEndsInEitherOrder) {
