@@ -195,12 +195,11 @@ void TvlDataMod::Erase(TvlObject* Item) {
 }
 
 void TvlDataMod::Purge(TvlObject* Gone) {
+    if (FDrawForm) FDrawForm->ForgetObject(Gone);
     if (!Gone) {
-        if (FDrawForm) FDrawForm->SetMouseFnd(nullptr);
         FMarkCase->Clear();
         return;
     }
-    if (FDrawForm && FDrawForm->MouseFnd() == Gone) FDrawForm->SetMouseFnd(nullptr);
     FMarkCase->Remove(Gone);
     VL_ASSERT(FMarkCase->IndexOf(Gone) < 0);
     VL_ASSERT(!FDrawForm || FDrawForm->MouseFnd() != Gone);

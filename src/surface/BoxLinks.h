@@ -108,6 +108,8 @@ public:
     virtual bool KeyDown(std::uint16_t& aKey, TShiftState aShift) = 0;
     virtual bool KeyUp(std::uint16_t& aKey, TShiftState aShift) = 0;
     virtual void Scroll(const TScrollProc& ScrollProc, const TPoint& CurPos) = 0;
+    // An object leaves the drawing (null: all of them): a tool that holds it forgets it.
+    virtual void ObjectGone(TBoxObject* Gone) { (void)Gone; }
 
     TToolState ToolState;
 

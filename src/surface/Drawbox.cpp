@@ -208,6 +208,12 @@ void TCustomDrawBox::WithToolsDo(const TCompFilter& Filter, const TComponentProc
     }
 }
 
+void TCustomDrawBox::ForgetObject(TBoxObject* Gone) {
+    if (!Gone || FMouseFnd == Gone) FMouseFnd = nullptr;
+    WithToolsDo([](TComponent*) { return true; },
+                [Gone](TComponent* c, bool&) { static_cast<TBoxTool*>(c)->ObjectGone(Gone); });
+}
+
 bool TCustomDrawBox::Creators(TComponent* AComponent) {
     return dynamic_cast<TBoxCreator*>(AComponent) != nullptr;
 }

@@ -97,6 +97,9 @@ public:
     virtual TBoxObject* FindLocalObject(const TBoxObjectFunc& Condition, void* Params);
 
     void WithToolsDo(const TCompFilter& Filter, const TComponentProc& Action);
+    // An object leaves the drawing (null: all of them): it stops being the object under the mouse,
+    // and every tool of the box forgets it.
+    void ForgetObject(TBoxObject* Gone);
     static bool Creators(TComponent* AComponent);
     void InitTools();
     void SetDefaultTool();

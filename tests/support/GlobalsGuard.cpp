@@ -12,6 +12,7 @@
 #include "surface/BoxLinks.h"
 #include "surface/ScaleSetting.h"
 #include "tools/CreatorBase.h"
+#include "tools/Creators.h"
 
 #include <QGuiApplication>
 
@@ -113,6 +114,7 @@ TGlobalsSnapshot SnapshotGlobals() {
     add("MetafileReader", HookState(MetafileReader));
     add("RotatedMetafileDrawer", HookState(RotatedMetafileDrawer));
     add("IsMetafileGraphic", HookState(IsMetafileGraphic));
+    add("RotatedPicClass", HookState(RotatedPicClass));
 
     // The settings.
     number("MaxCoord", MaxCoord);
