@@ -20,6 +20,8 @@
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
 #include "tools/CreatorBase.h"
+#include "tools/Creators.h"
+#include "tools/HostRoutines.h"
 #include "tools/MouseToolBase.h"
 
 #include <QApplication>
@@ -174,7 +176,7 @@ private:
 vl::TSpeedButton* PaletteButton(vl::TForm& Form, vl::TMouseTool& Tool, const QString& Caption, int Index) {
     auto* button = new vl::TSpeedButton(&Form);
     button->SetParent(&Form);
-    button->SetBounds(4 + Index * 84, 4, 80, 26);
+    button->SetBounds(4 + Index * 74, 4, 70, 26);
     button->SetCaption(Caption);
     button->ButtonWidget()->setCheckable(true);
     Tool.SetButton(button);
@@ -269,9 +271,51 @@ int main(int argc, char** argv) {
         creators.push_back(tool);
     }
 
-    PaletteButton(form, *pointer, QStringLiteral("Pointer"), 0);
+    // Drawing by hand: points with one click, lines with two, chains of lines until the right press,
+    // and connectors between points that follow them when they move.
+    auto* points = new vl::TvlPoints(&form);
+    points->SetName(QStringLiteral("Points"));
+    points->SetDrawForm(box);
+    points->Generator()->SetShape(vl::stCircle);
+    points->Generator()->SetWidth(1200);
+    points->Generator()->SetHeight(1200);
+    points->Generator()->SetHotspotX(600);
+    points->Generator()->SetHotspotY(600);
+    points->Generator()->Brush().SetColor(vl::clRed);
+    points->Generator()->SetCounter(static_cast<std::uint16_t>(creators.size()));
+
+    auto* lines = new vl::TvlLines(&form);
+    lines->SetName(QStringLiteral("Lines"));
+    lines->SetDrawForm(box);
+    lines->Generator()->Pen().SetColor(vl::clBlack);
+    lines->Generator()->Pen().SetWidth(40);
+    lines->Generator()->SetCounter(static_cast<std::uint16_t>(creators.size() + 1));
+
+    auto* chains = new vl::TvlLines(&form);
+    chains->SetName(QStringLiteral("Chains"));
+    chains->SetDrawForm(box);
+    chains->SetPolyShape(true);
+    chains->Generator()->Pen().SetColor(vl::clBlue);
+    chains->Generator()->Pen().SetWidth(40);
+    chains->Generator()->SetCounter(static_cast<std::uint16_t>(creators.size() + 2));
+
+    auto* connectors = new vl::TLineDepends(&form);
+    connectors->SetName(QStringLiteral("Connectors"));
+    connectors->SetDrawForm(box);
+    connectors->SetMasterObject(points);
+    connectors->SetPolyShape(true);
+    connectors->Generator()->Pen().SetColor(vl::clGreen);
+    connectors->Generator()->Pen().SetWidth(60);
+    connectors->Generator()->SetCounter(static_cast<std::uint16_t>(creators.size() + 3));
+
+    int slot = 0;
+    PaletteButton(form, *pointer, QStringLiteral("Pointer"), slot++);
     for (std::size_t i = 0; i < creators.size(); ++i)
-        PaletteButton(form, *creators[i], QString::fromLatin1(shapeTools[i].Caption), int(i) + 1);
+        PaletteButton(form, *creators[i], QString::fromLatin1(shapeTools[i].Caption), slot++);
+    PaletteButton(form, *points, QStringLiteral("Points"), slot++);
+    PaletteButton(form, *lines, QStringLiteral("Line"), slot++);
+    PaletteButton(form, *chains, QStringLiteral("Chain"), slot++);
+    PaletteButton(form, *connectors, QStringLiteral("Connect"), slot++);
 
     form.BeginLoadingAll();
     form.LoadedAll();
@@ -301,6 +345,23 @@ int main(int argc, char** argv) {
     vl::TvlObject* kept = place(3, 50000, 22000);
     place(1, 66000, 12000);
     place(2, 8000, 9000);
+    // Points joined by connectors, a line and a chain, as clicks would make them.
+    static_cast<vl::TSpeedButton*>(points->Button())->Click();
+    vl::TvlObject* p1 = points->SetNewObj(vl::Point(26000, 10000));
+    vl::TvlObject* p2 = points->SetNewObj(vl::Point(36000, 4000));
+    vl::TvlObject* p3 = points->SetNewObj(vl::Point(44000, 12000));
+    static_cast<vl::TSpeedButton*>(connectors->Button())->Click();
+    connectors->LinkNewObjTo(p1);
+    connectors->LinkNewObjTo(p2);
+    connectors->LinkNewObjTo(p3);
+    connectors->RMouseDown(vl::TShiftState{}, vl::Point(0, 0));
+    static_cast<vl::TSpeedButton*>(lines->Button())->Click();
+    lines->SetNewObj(vl::Point(4000, 2000));
+    lines->SetNewObj(vl::Point(20000, 16000));
+    const vl::TPoint chain[] = {{60000, 2000}, {64000, 20000}, {72000, 20000}, {76000, 30000}};
+    chains->SetPolyObjA(chain);
+    // A point moved: its connectors follow.
+    vl::MoveObject(p2, vl::Point(0, 4000));
     box->InvalidateRestoreRect();
     QApplication::processEvents();
 
