@@ -899,6 +899,9 @@ TEST_F(LineObj, SaveLoadAndConnectRelinkALineBetweenTwoPoints) {
     EXPECT_FALSE(newLine->State.Contains(isConnect));
     EXPECT_EQ(newLine->Master(), newA);
     EXPECT_EQ(newLine->Master2(), newB);
+    TMemoryStream again;
+    Store->SaveToStream(again);
+    EXPECT_EQ(again.Bytes(), out.Bytes()) << "the loaded drawing saves byte for byte as it was";
     newB->SetPos(Point(250, 10));
     ExpectEnds(newLine, Point(40, 40), Point(250, 10), "relinked");
 }
