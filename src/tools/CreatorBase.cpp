@@ -9,6 +9,8 @@
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
 
+#include <vector>
+
 namespace vl {
 
 TvlCreator::TvlCreator(TComponent* AOwner) : TSaveTool(AOwner) {
@@ -17,6 +19,18 @@ TvlCreator::TvlCreator(TComponent* AOwner) : TSaveTool(AOwner) {
 }
 
 TvlCreator::~TvlCreator() {
+    // Objects read everything through their tool: those left in the drawing when the tool goes
+    // would refer to nothing, so they leave the drawing with it. A box or data module that went
+    // first has cleared its reference, and then there is nothing to do.
+    if (TvlDataMod* dm = GetDataModule()) {
+        std::vector<TvlObject*> mine;
+        dm->AllObjects(
+            [this, &mine](TvlObject* Obj, void*) {
+                if (Obj->Tool() == this) mine.push_back(Obj);
+            },
+            nullptr);
+        for (TvlObject* obj : mine) dm->Erase(obj);
+    }
     FGenerator.reset();
 }
 

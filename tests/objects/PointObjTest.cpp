@@ -68,6 +68,21 @@ TEST_F(PointObj, SetMasterHangsTheObjectAtTheSlaveOffsetAndFreesItWhereItStands)
     EXPECT_EQ(slave->Pos_Log(), Point(207, 47));
 }
 
+TEST_F(PointObj, ObjectsLeaveTheDrawingWithTheirTool) {
+    // A tool made after the data module, as a host may add one at run time.
+    auto* late = new TPointTool(Form.get());
+    late->SetDrawForm(Box);
+    Tool->Place(Point(10, 10));
+    late->Place(Point(50, 50));
+    TvlObject* gone = late->Place(Point(90, 90));
+    Box->SetMouseFnd(gone);
+    ASSERT_EQ(Store->GetCount(), 3);
+    delete late;
+    EXPECT_EQ(Store->GetCount(), 1);
+    EXPECT_EQ(Box->MouseFnd(), nullptr);
+    EXPECT_EQ(Store->ObjectAt(0, 0)->Tool(), Tool);
+}
+
 // --- Stream form -------------------------------------------------------------------------------------
 
 class PointPersist : public PointObj {
