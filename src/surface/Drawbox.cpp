@@ -4,12 +4,15 @@
 
 #include "geometry/Vlprocs.h"
 #include "platform/core/Exceptions.h"
+#include "platform/core/Scoped.h"
 #include "platform/services/Services.h"
 #include "surface/AppIdentity.h"
 #include "surface/Grid.h"
 #include "surface/ScaleSetting.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <limits>
 
 namespace vl {
 
@@ -23,6 +26,34 @@ TRect ClampToClient(const TLimRec& Dev, const TRect& Client) {
     auto clampY = [&](std::int32_t v) { return std::clamp(v, Client.Top - 1, Client.Bottom + 1); };
     return Rect(clampX(Dev.Xmin), clampY(Dev.Ymin), clampX(Dev.Xmax), clampY(Dev.Ymax));
 }
+
+// Scroll arithmetic runs in 64 bits and comes back into the 32-bit range of the viewport points
+// and bars. The bound is symmetric, so that a result can be negated again.
+constexpr std::int64_t MaxScrollValue = std::numeric_limits<std::int32_t>::max();
+
+std::int32_t ToScrollValue(std::int64_t Value) {
+    return static_cast<std::int32_t>(std::clamp(Value, -MaxScrollValue, MaxScrollValue));
+}
+
+// The data module as the fitting of the whole drawing sees it.
+class TStoreFitSource : public TScaleFitSource {
+public:
+    explicit TStoreFitSource(TBoxStore& Store) : FStore(Store) {}
+    TLimRec GetLimits() override { return FStore.GetLimits(); }
+    void InitLimits() override { FStore.InitLimits(); }
+    void AdjustAllToScale() override {
+        FStore.AllBoxObjects([](TBoxObject* obj, void*) { obj->AdjustToScale(); }, nullptr);
+    }
+
+private:
+    TBoxStore& FStore;
+};
+
+// The low and high end of one bar's range in device pixels, from the limits along that axis.
+struct TAxisRange {
+    std::int64_t Low;
+    std::int64_t High;
+};
 
 } // namespace
 
@@ -313,57 +344,292 @@ void TCustomDrawBox::CheckScrollRange() {
     }
     if (FDataModule && !FDataModule->Empty() && !State.Contains(bsUpdateScrollbars) && AutoScroll()) {
         SetWindowOrgEx(Canvas().Handle(), 0, 0);
-        const int blank = ss.BlankZone() >= 1 ? ss.MMToPix(ss.BlankZone()) : 0;
+        const std::int64_t blank = ss.BlankZone() >= 1 ? ss.MMToPix(ss.BlankZone()) : 0;
         const TLimRec lim = FDataModule->GetLimits();
+        // One axis: the limits widened by the blank zone, the window kept in view, the anchor
+        // reached; `Client` is the client extent and `Org` the viewport origin along the axis.
+        auto axis = [&](std::int32_t Min, std::int32_t Max, bool FarOrigin, std::int32_t Client,
+                        std::int32_t Org, std::int32_t Anchor, std::int32_t Dir) {
+            TAxisRange r{};
+            if (!FarOrigin) {
+                r.Low = std::int64_t{ss.LogToPix(Min)} - blank;
+                r.High = ss.LogToPix(Max);
+            } else {
+                r.Low = -std::int64_t{ss.LogToPix(Max)} - blank;
+                r.High = -std::int64_t{ss.LogToPix(Min)};
+            }
+            r.High += blank;
+            const std::int64_t farEdge = std::int64_t{Client} - Org;
+            if (farEdge > r.High) r.High = farEdge;
+            if (r.Low > -std::int64_t{Org}) r.Low = -std::int64_t{Org};
+            if (FScrollAnchor) {
+                const std::int64_t a = std::int64_t{ss.LogToPix(Anchor)} * Dir;
+                if (a > r.High) r.High = a;
+                if (a < r.Low) r.Low = a;
+            }
+            return r;
+        };
         TSize range;
         TPoint position;
         if (HorzScrollBar().Visible()) {
-            int low;
-            int high;
-            if (!ss.RightOrigin()) {
-                low = ss.LogToPix(lim.Xmin) - blank;
-                high = ss.LogToPix(lim.Xmax);
-            } else {
-                low = -ss.LogToPix(lim.Xmax) - blank;
-                high = -ss.LogToPix(lim.Xmin);
-            }
-            high += blank;
-            if (ClientWidth() - ss.GetVPOrgX() > high) high = ClientWidth() - ss.GetVPOrgX();
-            if (low > -ss.GetVPOrgX()) low = -ss.GetVPOrgX();
-            if (FScrollAnchor) {
-                const int a = ss.LogToPix(FAnchor.x) * ss.Dir_Horizontal();
-                if (a > high) high = a;
-                if (a < low) low = a;
-            }
-            ss.SetVPHomeX(-low);
-            range.cx = high - low;
-            position.x = ss.GetVPHomeX() - ss.GetVPOrgX();
+            const TAxisRange r = axis(lim.Xmin, lim.Xmax, ss.RightOrigin(), ClientWidth(), ss.GetVPOrgX(),
+                                      FAnchor.x, ss.Dir_Horizontal());
+            ss.SetVPHomeX(ToScrollValue(-r.Low));
+            range.cx = ToScrollValue(r.High - r.Low);
+            position.x = ToScrollValue(std::int64_t{ss.GetVPHomeX()} - ss.GetVPOrgX());
         }
         if (VertScrollBar().Visible()) {
-            int low;
-            int high;
-            if (!ss.BottomOrigin()) {
-                low = ss.LogToPix(lim.Ymin) - blank;
-                high = ss.LogToPix(lim.Ymax);
-            } else {
-                low = -ss.LogToPix(lim.Ymax) - blank;
-                high = -ss.LogToPix(lim.Ymin);
-            }
-            high += blank;
-            if (ClientHeight() - ss.GetVPOrgY() > high) high = ClientHeight() - ss.GetVPOrgY();
-            if (low > -ss.GetVPOrgY()) low = -ss.GetVPOrgY();
-            if (FScrollAnchor) {
-                const int a = ss.LogToPix(FAnchor.y) * ss.Dir_Vertical();
-                if (a > high) high = a;
-                if (a < low) low = a;
-            }
-            ss.SetVPHomeY(-low);
-            range.cy = high - low;
-            position.y = ss.GetVPHomeY() - ss.GetVPOrgY();
+            const TAxisRange r = axis(lim.Ymin, lim.Ymax, ss.BottomOrigin(), ClientHeight(), ss.GetVPOrgY(),
+                                      FAnchor.y, ss.Dir_Vertical());
+            ss.SetVPHomeY(ToScrollValue(-r.Low));
+            range.cy = ToScrollValue(r.High - r.Low);
+            position.y = ToScrollValue(std::int64_t{ss.GetVPHomeY()} - ss.GetVPOrgY());
         }
         SyncScrollbars(range, position);
     }
     State.Exclude(bsNewRange);
+}
+
+void TCustomDrawBox::SetScale(double Value) {
+    TScaleSetting& ss = *FScaleSetting;
+    if (Value <= 0) {
+        HideScrollBars();
+        if (FDataModule) {
+            TStoreFitSource fit(*FDataModule);
+            ss.SetFullScreen(fit, *this);
+        }
+    } else {
+        ss.SetScale(Value);
+        if (ss.State.Contains(scChanged)) State.Include(bsNewRange);
+    }
+    if (FDataModule) FDataModule->UnmarkAll();
+    const TRect r = ClientRect();
+    InvalidateRect(&r, true);
+}
+
+void TCustomDrawBox::HideScrollBars() {
+    HorzScrollBar().NoRange();
+    VertScrollBar().NoRange();
+    // Hiding a bar resizes the client area; the size handler must not compute the ranges back
+    // while the bars are being hidden.
+    const TScopedFlag hiding(State, bsUpdateScrollbars);
+    ShowScrollBar(SB_HORZ, false);
+    ShowScrollBar(SB_VERT, false);
+}
+
+void TCustomDrawBox::GetSpace(int ASpace, TSpaceDir Direction) {
+    TScaleSetting& ss = *FScaleSetting;
+    switch (Direction) {
+    case dirLeft:
+        HorzScrollBar().SetPosition(0);
+        ss.SetVPHomeX(ToScrollValue(std::int64_t{ss.GetVPHomeX()} + ASpace));
+        State.Include(bsNewRange);
+        break;
+    case dirTop:
+        VertScrollBar().SetPosition(0);
+        ss.SetVPHomeY(ToScrollValue(std::int64_t{ss.GetVPHomeY()} + ASpace));
+        State.Include(bsNewRange);
+        break;
+    case dirRight: {
+        TvlScrollBar& h = HorzScrollBar();
+        h.SetRange(ToScrollValue(std::int64_t{h.Range()} + ASpace));
+        h.SetPosition(h.Range()); // the bar caps it at its largest valid position
+        ss.SetVPOrgX(ToScrollValue(std::int64_t{ss.GetVPHomeX()} - h.Position()));
+        break;
+    }
+    case dirBottom: {
+        TvlScrollBar& v = VertScrollBar();
+        v.SetRange(ToScrollValue(std::int64_t{v.Range()} + ASpace));
+        v.SetPosition(v.Range());
+        ss.SetVPOrgY(ToScrollValue(std::int64_t{ss.GetVPHomeY()} - v.Position()));
+        break;
+    }
+    }
+    const TRect r = ClientRect();
+    InvalidateRect(&r, true);
+}
+
+void TCustomDrawBox::StepToLowEnd(TScrollBarKind Kind) {
+    const bool horz = Kind == sbHorizontal;
+    TScaleSetting& ss = *FScaleSetting;
+    TvlScrollBar& bar = horz ? HorzScrollBar() : VertScrollBar();
+    const int inc = bar.Increment();
+    TPoint home = ss.VPHome();
+    TPoint org = ss.VPOrg();
+    std::int32_t& homeA = horz ? home.x : home.y;
+    std::int32_t& orgA = horz ? org.x : org.y;
+    if (!bar.Visible()) {
+        orgA = ToScrollValue(std::int64_t{orgA} + inc);
+        ss.SetVPOrg(org);
+    } else if (bar.Position() < 1) {
+        // The window stands at the low end of the range: the range grows there, and logical (0, 0)
+        // moves with the window's content.
+        homeA = ToScrollValue(std::int64_t{homeA} + inc);
+        orgA = homeA;
+        ss.SetVPHome(home);
+        ss.SetVPOrg(org);
+        bar.SetRange(ToScrollValue(std::int64_t{bar.Range()} + inc));
+    } else {
+        // Inside the range the bar's own line step takes the normal road.
+        TMessage m;
+        m.Msg = horz ? WM_HSCROLL : WM_VSCROLL;
+        m.ScrollCode = SB_LINEUP;
+        if (horz)
+            WMHScroll(m);
+        else
+            WMVScroll(m);
+        return;
+    }
+    if (horz)
+        ScrollBy(inc, 0);
+    else
+        ScrollBy(0, inc);
+}
+
+void TCustomDrawBox::StepToHighEnd(TScrollBarKind Kind) {
+    const bool horz = Kind == sbHorizontal;
+    TScaleSetting& ss = *FScaleSetting;
+    TvlScrollBar& bar = horz ? HorzScrollBar() : VertScrollBar();
+    const TvlScrollBar& other = horz ? VertScrollBar() : HorzScrollBar();
+    const int inc = bar.Increment();
+    TPoint org = ss.VPOrg();
+    std::int32_t& orgA = horz ? org.x : org.y;
+    orgA = ToScrollValue(std::int64_t{orgA} - inc);
+    ss.SetVPOrg(org);
+    if (horz)
+        ScrollBy(-inc, 0);
+    else
+        ScrollBy(0, -inc);
+    if (!bar.Visible()) return;
+    // The range grows at the high end as far as the window now reaches.
+    const std::int32_t homeA = horz ? ss.GetVPHomeX() : ss.GetVPHomeY();
+    const std::int32_t pos = ToScrollValue(std::int64_t{homeA} - orgA);
+    const int client = horz ? ClientWidth() : ClientHeight();
+    const std::int32_t range =
+        std::int64_t{bar.Range()} - client < pos ? ToScrollValue(std::int64_t{client} + pos) : bar.Range();
+    if (horz)
+        SyncScrollbars(TSize{range, other.Range()}, Point(pos, other.Position()));
+    else
+        SyncScrollbars(TSize{other.Range(), range}, Point(other.Position(), pos));
+}
+
+void TCustomDrawBox::LeftScroll() {
+    StepToLowEnd(sbHorizontal);
+}
+
+void TCustomDrawBox::TopScroll() {
+    StepToLowEnd(sbVertical);
+}
+
+void TCustomDrawBox::RightScroll() {
+    StepToHighEnd(sbHorizontal);
+}
+
+void TCustomDrawBox::BottomScroll() {
+    StepToHighEnd(sbVertical);
+}
+
+bool TCustomDrawBox::LeftCondition(TPoint CurPos) const {
+    return CurPos.x < 2;
+}
+
+bool TCustomDrawBox::TopCondition(TPoint CurPos) const {
+    return CurPos.y < 2;
+}
+
+bool TCustomDrawBox::RightCondition(TPoint CurPos) const {
+    return CurPos.x > ClientRect().Right - 3;
+}
+
+bool TCustomDrawBox::BottomCondition(TPoint CurPos) const {
+    return CurPos.y > ClientRect().Bottom - 3;
+}
+
+void TCustomDrawBox::doToolScroll(TPoint CurPos) {
+    using TCondition = bool (TCustomDrawBox::*)(TPoint) const;
+    using TStep = void (TCustomDrawBox::*)();
+    // The first zone that holds fixes zone and direction for the whole loop: a corner scrolls one way.
+    TCondition condition = nullptr;
+    TStep step = nullptr;
+    if (LeftCondition(CurPos)) {
+        condition = &TCustomDrawBox::LeftCondition;
+        step = &TCustomDrawBox::LeftScroll;
+    } else if (RightCondition(CurPos)) {
+        condition = &TCustomDrawBox::RightCondition;
+        step = &TCustomDrawBox::RightScroll;
+    } else if (TopCondition(CurPos)) {
+        condition = &TCustomDrawBox::TopCondition;
+        step = &TCustomDrawBox::TopScroll;
+    } else if (BottomCondition(CurPos)) {
+        condition = &TCustomDrawBox::BottomCondition;
+        step = &TCustomDrawBox::BottomScroll;
+    } else {
+        return;
+    }
+    const TScrollProc scrollProc = [this, step] { (this->*step)(); };
+    std::uint32_t last = GetTickCount();
+    const TScopedFlag scrolling(State, bsToolScroll);
+    TPoint p = CurPos;
+    // The box pumps no messages here; only a tool's `Scroll` may. The tool is read anew each turn,
+    // since its gesture (or its life) may end meanwhile.
+    while ((this->*condition)(p) && FTool && FTool->ToolState.Contains(tsCanScroll)) {
+        if (GetTickCount() - last > std::uint32_t{AutoScrollTime}) {
+            last = GetTickCount();
+            TPoint logPos = p;
+            DPtoLP(Canvas().Handle(), &logPos, 1);
+            FTool->Scroll(scrollProc, logPos);
+            SetWindowOrgEx(Canvas().Handle(), 0, 0);
+        }
+        TPoint screenPos;
+        GetCursorPos(&screenPos);
+        p = ScreenToClient(screenPos);
+    }
+}
+
+void TCustomDrawBox::ScrollTo(TPoint NewPos, TOrigin Origin) {
+    const TRect r = ClientRect();
+    std::int64_t refX = r.Left;
+    std::int64_t refY = r.Top;
+    switch (Origin) {
+    case TOrigin::LeftTop: break;
+    case TOrigin::LeftBottom: refY = r.Bottom; break;
+    case TOrigin::RightTop: refX = r.Right; break;
+    case TOrigin::RightBottom:
+        refX = r.Right;
+        refY = r.Bottom;
+        break;
+    case TOrigin::Center:
+        // Integer division truncates toward zero.
+        refX = (std::int64_t{r.Right} + r.Left) / 2;
+        refY = (std::int64_t{r.Bottom} + r.Top) / 2;
+        break;
+    }
+    const std::int64_t dx = NewPos.x - refX;
+    const std::int64_t dy = NewPos.y - refY;
+    // One step per axis, with the distance as the bar's increment. The increment is 16 bits wide:
+    // a distance beyond that is cut to its low 16 bits.
+    auto stepBy = [](TvlScrollBar& Bar, std::int64_t Delta, auto&& Back, auto&& Forth) {
+        const TScrollBarInc keep = Bar.Increment();
+        const std::uint64_t magnitude =
+            Delta < 0 ? 0 - static_cast<std::uint64_t>(Delta) : static_cast<std::uint64_t>(Delta);
+        Bar.SetIncrement(static_cast<TScrollBarInc>(magnitude & 0xFFFF));
+        if (Delta < 0)
+            Back();
+        else if (Delta > 0)
+            Forth();
+        Bar.SetIncrement(keep);
+    };
+    stepBy(
+        HorzScrollBar(), dx, [this] { LeftScroll(); }, [this] { RightScroll(); });
+    stepBy(
+        VertScrollBar(), dy, [this] { TopScroll(); }, [this] { BottomScroll(); });
+}
+
+void TCustomDrawBox::ScrollTo_Log(TPoint NewPos, TOrigin Origin) {
+    HDC dc = Canvas().Handle();
+    FScaleSetting->SetMap(dc);
+    LPtoDP(dc, &NewPos, 1);
+    ScrollTo(NewPos, Origin);
 }
 
 void TCustomDrawBox::WMHScroll(TMessage& Message) {
@@ -479,6 +745,11 @@ void TCustomDrawBox::MouseDown(TMouseButton Button, TShiftState Shift, int XDev,
 void TCustomDrawBox::MouseMove(TShiftState Shift, int XDev, int YDev) {
     if (!FTool || State.Contains(bsToolScroll)) return;
     ActScaleSet = FScaleSetting.get();
+    // At an edge the tool's gesture scrolls first; the event's own point is then mapped anew.
+    if (AutoScroll() && FTool->ToolState.Contains(tsCanScroll)) {
+        doToolScroll(Point(XDev, YDev));
+        if (!FTool) return;
+    }
     const TPoint p = DevToLog(XDev, YDev);
     FTool->MouseMove(Shift, p);
     DoMouseMove(Shift, p.x, p.y);

@@ -23,8 +23,13 @@ namespace vl {
 
 class TScaleSetting;
 class TShadows;
+enum class TOrigin : std::uint8_t;
 class TvlApplication;
 class TvlGrid;
+
+// The side of the drawing on which the draw box opens free room (`GetSpace`).
+enum class TSpaceDir : std::uint8_t { dirLeft, dirTop, dirRight, dirBottom };
+using enum TSpaceDir;
 
 // A filter and an action over the tools of the box's owner; the action may set `Done` to end the walk.
 using TCompFilter = std::function<bool(TComponent* AComponent)>;
@@ -116,7 +121,39 @@ public:
 
     // The handler of the scale setting's `OnScaleChange`.
     void ScaleChanged(TObject* Sender);
+    // Recomputes ranges and positions of the bars from the data module's limits, the blank zone,
+    // the window and the anchor; only with `AutoScroll`, a data module that holds objects, and not
+    // while the bars are being written. Always consumes `bsNewRange`.
     void CheckScrollRange() override;
+
+    // --- Scrolling --------------------------------------------------------------------------------
+    // A new scale; 0 or less hides the bars and fits the whole drawing into the window. The marks
+    // are removed and the whole box is repainted.
+    void SetScale(double Value);
+    // Both bars without range or position, and not shown.
+    void HideScrollBars();
+    // Opens `ASpace` pixels of free room beside the drawing, on the side `Direction`.
+    void GetSpace(int ASpace, TSpaceDir Direction);
+    // One step of the bar's `Increment`, showing more of the left (top, right, bottom). The range
+    // grows when the window stands at its end; a hidden bar moves the viewport only.
+    void LeftScroll();
+    void RightScroll();
+    void TopScroll();
+    void BottomScroll();
+    // Whether a client device point lies in the edge zone of that side.
+    bool LeftCondition(TPoint CurPos) const;
+    bool RightCondition(TPoint CurPos) const;
+    bool TopCondition(TPoint CurPos) const;
+    bool BottomCondition(TPoint CurPos) const;
+    // The autoscroll loop of a tool's gesture at an edge: holds the thread while the cursor stays in
+    // the zone first found for `CurPos` (client device coordinates) and the tool keeps `tsCanScroll`,
+    // and hands the tool one scroll step every `AutoScrollTime` milliseconds.
+    void doToolScroll(TPoint CurPos);
+    // Scrolls so that the client device point `NewPos` comes to the reference point `Origin` of the
+    // client area, in one step per axis.
+    void ScrollTo(TPoint NewPos, TOrigin Origin);
+    // The same for a logical point.
+    void ScrollTo_Log(TPoint NewPos, TOrigin Origin);
 
     // A device context outside a paint, in the box's logical mapping.
     HDC GetDeviceContext() override;
@@ -145,6 +182,10 @@ protected:
     TPoint DevToLog(int XDev, int YDev);
 
 private:
+    // The step of `LeftScroll` (`TopScroll`) and of `RightScroll` (`BottomScroll`) along one axis.
+    void StepToLowEnd(TScrollBarKind Kind);
+    void StepToHighEnd(TScrollBarKind Kind);
+
     TBoxTool* FTool = nullptr; // borrowed: the current tool
     std::unique_ptr<TScaleSetting> FScaleSetting;
     TBoxObject* FMouseFnd = nullptr; // borrowed: the object under the mouse
