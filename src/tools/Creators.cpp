@@ -175,11 +175,15 @@ void TCustomLines::LMouseDown(TShiftState Shift, const TPoint& CurPos) {
 void TCustomLines::MouseMove(TShiftState Shift, const TPoint& CurPos) {
     if (!ToolState.Contains(tsWorking)) return;
     TPoint p = CurPos;
-    if (FDrawForm && FDrawForm->Grid().Capture())
-        FDrawForm->Grid().MatchCoords(p);
-    else if (FOrthoMode)
-        OrthoCoords(p);
+    SnapMove(p);
     MoveDynLin(Shift, p);
+}
+
+void TCustomLines::SnapMove(TPoint& CurPos) const {
+    if (FDrawForm && FDrawForm->Grid().Capture())
+        FDrawForm->Grid().MatchCoords(CurPos);
+    else if (FOrthoMode)
+        OrthoCoords(CurPos);
 }
 
 void TCustomLines::RMouseDown(TShiftState Shift, const TPoint& CurPos) {
@@ -193,10 +197,8 @@ void TCustomLines::RMouseDown(TShiftState Shift, const TPoint& CurPos) {
 }
 
 void TCustomLines::BreakPolyline() {
-    ToolState.Exclude(tsWorking);
-    ToolState.Exclude(tsCanScroll);
+    LeaveGesture();
     SetMouseFnd(nullptr);
-    ClipCursor(nullptr);
 }
 
 void TCustomLines::OrthoCoords(TPoint& CurPos) const {
@@ -262,10 +264,7 @@ void TCustomLines::DynaShapeEnd() {
 
 void TCustomLines::Scroll(const TScrollProc& ScrollProc, const TPoint& CurPos) {
     TPoint p = CurPos;
-    if (FDrawForm && FDrawForm->Grid().Capture())
-        FDrawForm->Grid().MatchCoords(p);
-    else if (FOrthoMode)
-        OrthoCoords(p);
+    SnapMove(p);
     if (PreviewCanvas()) DynShape();
     if (ScrollProc) ScrollProc();
     // The uncovered area is painted here, and a click may end the gesture meanwhile.

@@ -135,6 +135,8 @@ protected:
     void EnterGesture();
     // Leaves the gesture's state and frees the cursor.
     void LeaveGesture();
+    // A position of the mouse during a gesture: on the grid when it captures, else ortho in ortho mode.
+    void SnapMove(TPoint& CurPos) const;
 
     TPoint FPosP1{0, 0};
     TPoint FPosP2{0, 0};

@@ -4,6 +4,7 @@
 #include "objects/LineObj.h"
 #include "objects/PointObj.h"
 #include "platform/core/Scoped.h"
+#include "platform/graphics/Images.h"
 #include "store/Vlmm.h"
 #include "support/FormFixture.h"
 #include "support/InputHelpers.h"
@@ -187,6 +188,26 @@ TEST_F(DrawingTools, PointToolWithALineClassMakesALineOfTheGeneratorsSize) {
     ASSERT_NE(line, nullptr);
     EXPECT_EQ(line->Pos_Log(), Point(50, 60));
     EXPECT_EQ(line->Pos2_Log(), Point(80, 40));
+}
+
+TEST_F(DrawingTools, TurnableRasterPictureTakesTheRotatedPictureClassOnceInstalled) {
+    TBitmap picture(4, 4);
+    Points->Generator()->SetPicture(&picture);
+    std::unique_ptr<TvlObject> plain(Points->CreateObject());
+    EXPECT_NE(dynamic_cast<TPointObj*>(plain.get()), nullptr);
+    int made = 0;
+    TScopedValue<TCapClass> rotated(RotatedPicClass, [&made](TvlCreator* Tool) -> TvlObject* {
+        ++made;
+        return new TPointObj(Tool);
+    });
+    std::unique_ptr<TvlObject> unturnable(Points->CreateObject());
+    EXPECT_EQ(made, 0) << "without goRotation the point object stays";
+    Points->Generator()->SetOptions(TGeneratorOptions{goRotation});
+    std::unique_ptr<TvlObject> turnable(Points->CreateObject());
+    EXPECT_EQ(made, 1);
+    Points->Generator()->SetPicture(nullptr);
+    std::unique_ptr<TvlObject> noPicture(Points->CreateObject());
+    EXPECT_EQ(made, 1) << "without a raster picture the point object stays";
 }
 
 // --- Lines ----------------------------------------------------------------------------------------
